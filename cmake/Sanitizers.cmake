@@ -1,0 +1,7 @@
+if(VELTRANE_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+if(VELTRANE_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

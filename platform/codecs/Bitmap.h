@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace veltrane::codecs {
+
+class PixelBlock;
+
+/// Pixels: straight (not premultiplied) 8-bit RGBA in byte order, sRGB, rows from the top left without
+/// padding. Copying shares the pixels; the first write through one of the copies gives that copy its own.
+class Bitmap {
+public:
+    static constexpr std::size_t kBytesPerPixel = 4;
+
+    Bitmap() noexcept = default; ///< no pixels: 0 x 0
+
+    /// Pixels whose values are not set yet. Sides of 1 or more.
+    /// Raises OutOfMemoryException when the machine has not the room.
+    [[nodiscard]] static Bitmap Uninitialised(int width, int height);
+
+    /// Every pixel transparent black; memory is taken as the pixels are touched.
+    /// Raises OutOfMemoryException when the machine has not the room.
+    [[nodiscard]] static Bitmap Transparent(int width, int height);
+
+    [[nodiscard]] int Width() const noexcept { return width; }
+    [[nodiscard]] int Height() const noexcept { return height; }
+    [[nodiscard]] bool Empty() const noexcept { return !block; }
+
+    /// True when every alpha is known to be 255; false says nothing. The one who writes pixels sets it.
+    [[nodiscard]] bool Opaque() const noexcept { return opaque; }
+    void Opaque(bool yes) noexcept { opaque = yes; }
+
+    /// Bytes from one row to the next.
+    [[nodiscard]] std::size_t Stride() const noexcept
+    {
+        return static_cast<std::size_t>(width) * kBytesPerPixel;
+    }
+
+    /// The row `y`, from 0 to Height - 1: Stride bytes, valid while this Bitmap holds them.
+    [[nodiscard]] const std::uint8_t* Row(int y) const noexcept;
+
+    /// All rows for writing, row 0 first. Copies the pixels first when they are shared; ask once, not for
+    /// each row. Raises OutOfMemoryException when that copy does not fit.
+    [[nodiscard]] std::uint8_t* Writable();
+
+    /// True when both hold the same pixels in memory, so that neither has been written since the copy.
+    [[nodiscard]] bool SharesPixelsWith(const Bitmap& other) const noexcept { return block == other.block; }
+
+private:
+    Bitmap(int width, int height, std::shared_ptr<PixelBlock> block) noexcept;
+
+    int width = 0;
+    int height = 0;
+    bool opaque = false;
+    std::shared_ptr<PixelBlock> block;
+};
+
+} // namespace veltrane::codecs

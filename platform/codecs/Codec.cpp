@@ -1,0 +1,36 @@
+#include "platform/codecs/Codec.h"
+
+#include <algorithm>
+#include <array>
+
+namespace veltrane::codecs {
+
+namespace {
+
+constexpr std::array<const Codec*, 0> kCodecs {};
+
+const Codec* fallback = nullptr;
+
+} // namespace
+
+std::span<const Codec* const> All() noexcept
+{
+    return kCodecs;
+}
+
+const Codec* Find(Bytes head) noexcept
+{
+    const Bytes seen = head.first(std::min(head.size(), kProbeBytes));
+    for (const Codec* codec : kCodecs) {
+        if (codec->probe(seen))
+            return codec;
+    }
+    return fallback != nullptr && fallback->probe(seen) ? fallback : nullptr;
+}
+
+void RegisterFallback(const Codec* codec) noexcept
+{
+    fallback = codec;
+}
+
+} // namespace veltrane::codecs

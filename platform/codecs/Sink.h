@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/codecs/Bytes.h"
+
+namespace veltrane::codecs {
+
+/// Where an encoder's bytes go, in order.
+class Sink {
+public:
+    virtual ~Sink() = default;
+
+    /// Takes all of `bytes`, or raises IOException.
+    virtual void Write(Bytes bytes) = 0;
+};
+
+} // namespace veltrane::codecs

@@ -1,0 +1,64 @@
+// What opening makes of each file, a line each; for developers and scripts.
+
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "platform/Exceptions.h"
+#include "platform/codecs/Codec.h"
+#include "tools/probe/Sha256.h"
+
+using namespace veltrane;
+
+namespace {
+
+codecs::Bitmap Open(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        throw IOException("lecture impossible");
+    const std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(file), {});
+    const codecs::Codec* const codec
+        = codecs::Find(codecs::Bytes(bytes).first(std::min(bytes.size(), codecs::kProbeBytes)));
+    if (codec == nullptr)
+        throw UnsupportedFormatException("format non reconnu");
+    return codec->decode(bytes, codecs::Limits::OfThisMachine());
+}
+
+void Probe(const std::string& path, const std::string& rgba)
+{
+    try {
+        const codecs::Bitmap picture = Open(path);
+        Sha256 digest;
+        std::ofstream rows;
+        if (!rgba.empty())
+            rows.open(rgba, std::ios::binary);
+        for (int y = 0; y < picture.Height(); ++y) {
+            digest.Add({ picture.Row(y), picture.Stride() });
+            if (!rgba.empty())
+                rows.write(reinterpret_cast<const char*>(picture.Row(y)),
+                    static_cast<std::streamsize>(picture.Stride()));
+        }
+        std::cout << path << "\tdecoded\t" << picture.Width() << 'x' << picture.Height() << '\t'
+                  << digest.Finish() << '\n';
+    } catch (const RuntimeException& failure) {
+        std::cout << path << "\trefused\t" << failure.ClassName() << '\t' << failure.Message().Bytes()
+                  << '\n';
+    }
+}
+
+} // namespace
+
+int main(int count, char** arguments)
+{
+    std::vector<std::string> files(arguments + 1, arguments + count);
+    std::string folder;
+    if (files.size() >= 2 && files.front() == "--rgba") {
+        folder = files[1];
+        files.erase(files.begin(), files.begin() + 2);
+    }
+    for (std::size_t i = 0; i < files.size(); ++i)
+        Probe(files[i], folder.empty() ? "" : folder + "/" + std::to_string(i) + ".rgba");
+}
