@@ -1,0 +1,14 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace veltrane {
+
+/// The path that a "file:" address means, percent signs decoded, any bytes but NUL; nothing when it is no
+/// local file: another scheme, another host than this one, a relative path, a broken escape.
+/// Source: RFC 8089, section 2; RFC 3986, section 2.1.
+[[nodiscard]] std::optional<std::string> LocalPath(std::string_view address);
+
+} // namespace veltrane
