@@ -103,7 +103,9 @@ Bitmap Bitmap::Uninitialised(int width, int height)
 
 Bitmap Bitmap::Transparent(int width, int height)
 {
-    return { width, height, Allocate(width, height, PixelBlock::Content::Zero) };
+    Bitmap bitmap(width, height, Allocate(width, height, PixelBlock::Content::Zero));
+    bitmap.blank = true;
+    return bitmap;
 }
 
 const std::uint8_t* Bitmap::Row(int y) const noexcept
@@ -113,6 +115,7 @@ const std::uint8_t* Bitmap::Row(int y) const noexcept
 
 std::uint8_t* Bitmap::Writable()
 {
+    blank = false;
     if (block.use_count() > 1) {
         auto own = Allocate(width, height, PixelBlock::Content::Any);
         std::memcpy(own->Data(), block->Data(), Stride() * static_cast<std::size_t>(height));

@@ -32,6 +32,9 @@ public:
     [[nodiscard]] bool Opaque() const noexcept { return opaque; }
     void Opaque(bool yes) noexcept { opaque = yes; }
 
+    /// True while every pixel is known to be transparent black, as Transparent made it.
+    [[nodiscard]] bool Blank() const noexcept { return blank; }
+
     /// Bytes from one row to the next.
     [[nodiscard]] std::size_t Stride() const noexcept
     {
@@ -54,6 +57,7 @@ private:
     int width = 0;
     int height = 0;
     bool opaque = false;
+    bool blank = false;
     std::shared_ptr<PixelBlock> block;
 };
 

@@ -2,35 +2,21 @@
 
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "platform/Exceptions.h"
-#include "platform/codecs/Codec.h"
+#include "platform/Picture.h"
 #include "tools/probe/Sha256.h"
 
 using namespace veltrane;
 
 namespace {
 
-codecs::Bitmap Open(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw IOException("lecture impossible");
-    const std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(file), {});
-    const codecs::Codec* const codec
-        = codecs::Find(codecs::Bytes(bytes).first(std::min(bytes.size(), codecs::kProbeBytes)));
-    if (codec == nullptr)
-        throw UnsupportedFormatException("format non reconnu");
-    return codec->decode(bytes, codecs::Limits::OfThisMachine());
-}
-
 void Probe(const std::string& path, const std::string& rgba)
 {
     try {
-        const codecs::Bitmap picture = Open(path);
+        const codecs::Bitmap picture = Picture::Open(FolderItem::FromPath(path))->Pixels();
         Sha256 digest;
         std::ofstream rows;
         if (!rgba.empty())

@@ -1,0 +1,42 @@
+#include "platform/Exceptions.h"
+#include "platform/Runtime.h"
+#include "window/WVeltrane.h"
+
+namespace veltrane {
+
+namespace {
+
+// The name without the first of each suffix that a picture of ours or of its kin bears.
+String BaseName(const String& name)
+{
+    String base = name;
+    for (const char* const suffix : { ".jpg", ".jpeg", ".png", ".bmp", ".gif" })
+        base = Replace(base, suffix, nullptr);
+    return base;
+}
+
+} // namespace
+
+void WVeltrane::mSauveImage(bool bJPG, bool bPNG)
+{
+    const Ref<FolderItem> folder = pFich->Parent();
+    if (!folder->IsWriteable()) {
+        MsgBox("Dossier parent non autorisé en ecriture");
+        return;
+    }
+    try {
+        if (bJPG) {
+            const Ref<FolderItem> copy = folder->Child(BaseName(pFich->Name()) + ".jpg");
+            const std::int64_t quality = SLQualite()->Value();
+            pImage->Save(copy, FormatCodeJPEG, quality);
+        }
+        if (bPNG) {
+            const Ref<FolderItem> copy = folder->Child(BaseName(pFich->Name()) + ".png");
+            pImage->Save(copy, FormatCodePNG, Picture::DefaultQuality);
+        }
+    } catch (const RuntimeException& failure) {
+        MsgBox("Erreur de type : " + failure.Message());
+    }
+}
+
+} // namespace veltrane
