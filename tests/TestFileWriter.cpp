@@ -1,0 +1,196 @@
+#include <array>
+#include <cerrno>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/Exceptions.h"
+#include "platform/FileWriter.h"
+#include "tests/Naming.h"
+#include "tests/Scratch.h"
+
+using namespace veltrane;
+using tests::Scratch;
+
+namespace {
+
+enum class Unnamed { Yes, No };
+
+// The system's calls, the n-th of which fails; some fail by doing half.
+class FailingCalls final : public FileCalls {
+public:
+    FailingCalls(Unnamed unnamed, int failing, int error) : unnamed(unnamed), failing(failing), error(error)
+    {
+    }
+    [[nodiscard]] bool Failed() const noexcept { return made >= failing; }
+
+    int OpenFolder(const std::string& p) override { return Fails() ? -1 : FileCalls::OpenFolder(p); }
+    int OpenUnnamed(int d) override
+    {
+        if (unnamed == Unnamed::No) {
+            errno = EOPNOTSUPP;
+            return -1;
+        }
+        return Fails() ? -1 : FileCalls::OpenUnnamed(d);
+    }
+    int CreateNamed(int d, const char* n) override { return Fails() ? -1 : FileCalls::CreateNamed(d, n); }
+    int ChangeMode(int f, mode_t m) override { return Fails() ? -1 : FileCalls::ChangeMode(f, m); }
+    ssize_t Write(int f, const void* b, std::size_t n) override
+    {
+        if (Fails())
+            return -1;
+        return FileCalls::Write(f, b, n > 1 ? n / 2 : n); // short writes are no failures
+    }
+    int Sync(int f) override { return Fails() ? -1 : FileCalls::Sync(f); }
+    int Duplicate(int f) override { return Fails() ? -1 : FileCalls::Duplicate(f); }
+    int Close(int f) override
+    {
+        const bool fails = Fails(); // the system closes a descriptor also when it tells a failure
+        const int result = FileCalls::Close(f);
+        errno = error;
+        return fails ? -1 : result;
+    }
+    int Link(int f, int d, const char* n) override { return Fails() ? -1 : FileCalls::Link(f, d, n); }
+    int Rename(int d, const char* a, const char* b) override
+    {
+        return Fails() ? -1 : FileCalls::Rename(d, a, b);
+    }
+
+private:
+    bool Fails()
+    {
+        errno = error;
+        return ++made == failing;
+    }
+    Unnamed unnamed;
+    int failing, error, made = 0;
+};
+
+const std::string kOld = "old content";
+const std::string kNew(700'000, 'n'); // more than the writer's buffer
+
+void Save(const std::string& path, FileCalls& calls, std::string_view content)
+{
+    FileWriter writer(path, calls);
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(content.data());
+    writer.Write({ bytes, 10 });
+    writer.Write({ bytes + 10, content.size() - 10 });
+    writer.Commit();
+}
+
+class Faults : public testing::TestWithParam<std::tuple<Unnamed, int>> { };
+
+// Whatever call fails, in whatever way: the old file or the new one, whole, and nothing beside it.
+TEST_P(Faults, LeaveTheOldFileOrTheNewOne)
+{
+    const auto [unnamed, error] = GetParam();
+    int failures = 0;
+    for (int n = 1;; ++n) {
+        const Scratch folder;
+        folder.Write("a.png", kOld);
+        FailingCalls calls(unnamed, n, error);
+        bool told = false;
+        try {
+            Save(folder.Path("a.png"), calls, kNew);
+        } catch (const IOException& failure) {
+            told = true;
+            EXPECT_EQ(failure.ErrorNumber(), error);
+            EXPECT_TRUE(failure.Message().Bytes().starts_with("impossible d'écrire « a.png » : "));
+        }
+        EXPECT_EQ(folder.Names(), "a.png") << "call " << n;
+        EXPECT_EQ(folder.Read("a.png") == (told ? kOld : kNew), true) << "call " << n;
+        if (!calls.Failed())
+            break;
+        failures += told ? 1 : 0;
+    }
+    EXPECT_GE(failures, 8) << "the sweep met too few failures to prove anything";
+}
+
+INSTANTIATE_TEST_SUITE_P(FileWriter, Faults,
+    testing::Combine(testing::Values(Unnamed::Yes, Unnamed::No), testing::Values(ENOSPC, EIO, EDQUOT)));
+
+mode_t Mode(const std::string& path)
+{
+    struct stat found { };
+    stat(path.c_str(), &found);
+    return found.st_mode & 07777;
+}
+
+} // namespace
+
+TEST(FileWriter, WithoutCommitNothingChanges)
+{
+    const Scratch folder;
+    folder.Write("a.png", kOld);
+    {
+        FileWriter writer(folder.Path("a.png"));
+        writer.Write({ reinterpret_cast<const std::uint8_t*>(kNew.data()), kNew.size() });
+        EXPECT_EQ(folder.Names(), "a.png") << "an unfinished file has no name";
+    }
+    EXPECT_EQ(folder.Read("a.png"), kOld);
+    EXPECT_EQ(folder.Names(), "a.png");
+}
+
+TEST(FileWriter, KeepsThePermissionsOfTheOldFileAndFollowsTheUmaskForANewOne)
+{
+    const Scratch folder;
+    folder.Write("old", kOld);
+    chmod(folder.Path("old").c_str(), 0640);
+    const mode_t before = umask(027);
+    Save(folder.Path("old"), FileCalls::System(), kNew);
+    Save(folder.Path("new"), FileCalls::System(), kNew);
+    umask(before);
+    EXPECT_EQ(Mode(folder.Path("old")), 0640u);
+    EXPECT_EQ(Mode(folder.Path("new")), 0640u & ~027u);
+}
+
+TEST(FileWriter, ReplacesALinkAndLeavesItsTargetAlone)
+{
+    const Scratch folder;
+    folder.Write("source.gif", kOld);
+    ASSERT_EQ(symlink("source.gif", folder.Path("a.png").c_str()), 0);
+    ASSERT_EQ(link(folder.Path("source.gif").c_str(), folder.Path("b.png").c_str()), 0);
+    ASSERT_EQ(symlink("nowhere", folder.Path("c.png").c_str()), 0);
+    for (const char* const name : { "a.png", "b.png", "c.png" })
+        Save(folder.Path(name), FileCalls::System(), kNew);
+    EXPECT_EQ(folder.Read("source.gif"), kOld);
+    EXPECT_EQ(folder.Names(), "a.png b.png c.png source.gif");
+    EXPECT_FALSE(std::filesystem::is_symlink(folder.Path("a.png")));
+}
+
+TEST(FileWriter, RefusesWhatIsNoFile)
+{
+    const Scratch folder;
+    std::filesystem::create_directory(folder.Path("dir"));
+    ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0600), 0);
+    const std::string tooLong(256, 'x');
+    for (const std::string& name :
+        { std::string("dir"), std::string("pipe"), tooLong, std::string("no/such") })
+        EXPECT_THROW(FileWriter(folder.Path(name)), IOException) << name;
+    EXPECT_EQ(folder.Names(), "dir pipe");
+}
+
+TEST(FileWriter, TakesTheLongestName)
+{
+    const Scratch folder;
+    const std::string longest(255, 'x');
+    Save(folder.Path(longest), FileCalls::System(), kNew);
+    EXPECT_EQ(folder.Names(), longest);
+}
+
+TEST(FileWriter, SweepsWhatAKilledOneLeftAndNothingElse)
+{
+    const Scratch folder;
+    folder.Write(".veltrane-0.tmp", "left by a process that is gone");
+    folder.Write(".veltrane-1.tmp", "held by another one");
+    const int held = open(folder.Path(".veltrane-1.tmp").c_str(), O_RDONLY);
+    ASSERT_EQ(flock(held, LOCK_EX), 0);
+    ASSERT_EQ(symlink("user.txt", folder.Path(".veltrane-2.tmp").c_str()), 0);
+    Save(folder.Path("a.png"), FileCalls::System(), kNew);
+    EXPECT_EQ(folder.Names(), ".veltrane-1.tmp .veltrane-2.tmp a.png");
+    close(held);
+}
