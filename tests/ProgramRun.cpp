@@ -1,0 +1,99 @@
+#include "tests/ProgramRun.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "platform/DragItem.h"
+#include "platform/Exceptions.h"
+#include "platform/codecs/Codec.h"
+#include "shell/Startup.h"
+#include "window/WVeltrane.h"
+
+namespace veltrane::tests {
+
+namespace {
+
+using namespace codecs;
+
+bool ProbePlain(Bytes head) noexcept
+{
+    return head.size() > 6 && std::memcmp(head.data(), "PLAIN ", 6) == 0;
+}
+
+Info PlainInfo(Bytes file, const Limits& limits)
+{
+    Info info;
+    const std::string text(file.begin(), file.end());
+    if (std::sscanf(text.c_str(), "PLAIN %ld %ld", &info.width, &info.height) != 2)
+        throw UnsupportedFormatException("image de test endommagée");
+    limits.Check(info.width, info.height);
+    return info;
+}
+
+Bitmap DecodePlain(Bytes file, const Limits& limits)
+{
+    const Info info = PlainInfo(file, limits);
+    unsigned colour = 0;
+    std::sscanf(std::string(file.begin(), file.end()).c_str(), "PLAIN %*d %*d %x", &colour);
+    Bitmap picture = Bitmap::Uninitialised(static_cast<int>(info.width), static_cast<int>(info.height));
+    std::uint8_t* const pixels = picture.Writable();
+    for (std::size_t i = 0; i < picture.Stride() * static_cast<std::size_t>(info.height); i += 4) {
+        for (unsigned c = 0; c < 3; ++c)
+            pixels[i + c] = static_cast<std::uint8_t>(colour >> (16 - 8 * c));
+        pixels[i + 3] = 255;
+    }
+    picture.Opaque(true);
+    return picture;
+}
+
+constexpr Codec kPlain { "PLAIN", ProbePlain, PlainInfo, DecodePlain, nullptr };
+
+} // namespace
+
+ProgramRun::ProgramRun()
+{
+    setenv("XDG_CONFIG_HOME", settings.Path().c_str(), 1);
+    RegisterFallback(&kPlain);
+}
+
+ProgramRun::~ProgramRun()
+{
+    RegisterFallback(nullptr);
+    unsetenv("XDG_CONFIG_HOME");
+}
+
+void ProgramRun::Go()
+{
+    _Main();
+}
+
+void ProgramRun::Plain(std::string_view name, int width, int height) const
+{
+    pictures.Write(name, "PLAIN " + std::to_string(width) + " " + std::to_string(height) + " 2060C0");
+}
+
+void ProgramRun::Open(std::string_view name)
+{
+    runtime.OpenDocument(FolderItem::FromPath(pictures.Path(name)));
+}
+
+void ProgramRun::Drop(const std::vector<std::string>& names)
+{
+    std::vector<std::string> addresses;
+    for (const std::string& name : names)
+        addresses.push_back(name.find(':') == std::string::npos ? Address(name) : name);
+    const auto window = WVeltrane();
+    runtime.Drop(window, New<DragItem>(addresses, window->AcceptedTypes()));
+}
+
+std::vector<std::string> ProgramRun::Messages() const
+{
+    std::vector<std::string> messages;
+    for (const Box& box : body.boxes)
+        messages.emplace_back(box.message.Bytes());
+    return messages;
+}
+
+} // namespace veltrane::tests
