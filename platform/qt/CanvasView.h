@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/Canvas.h"
+#include "platform/qt/Accessibility.h"
+#include "platform/qt/ControlView.h"
+#include "platform/qt/ScreenGraphics.h"
+
+namespace veltrane::qt {
+
+/// The widget of a Canvas: all that it shows comes from the Paint event.
+class CanvasWidget final : public PictureWidget {
+public:
+    CanvasWidget(QWidget& parent, Canvas& canvas);
+
+    /// Lets go of the picture that was drawn last.
+    void Forget() { scaled.Forget(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Canvas& canvas;
+    ScaledPicture scaled;
+};
+
+class CanvasView final : public ControlView {
+public:
+    CanvasView(QWidget& parent, Canvas& canvas);
+    void Refresh(bool now) override;
+
+private:
+    void ShowContent() override { }
+};
+
+} // namespace veltrane::qt

@@ -1,0 +1,161 @@
+#include <QBuffer>
+#include <QColorSpace>
+#include <QGuiApplication>
+#include <QImageReader>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "platform/Exceptions.h"
+#include "platform/codecs/Codec.h"
+#include "platform/qt/QtToolkit.h"
+
+namespace veltrane {
+
+namespace {
+
+using codecs::Bitmap;
+using codecs::Bytes;
+using codecs::Info;
+using codecs::Limits;
+
+void PassOver(QtMsgType, const QMessageLogContext&, const QString&) { }
+
+// The plugins write what they dislike to the error stream; our caller is told by an exception.
+class Quiet {
+public:
+    Quiet() : usual(qInstallMessageHandler(PassOver)) { }
+    ~Quiet() { qInstallMessageHandler(usual); }
+    Quiet(const Quiet&) = delete;
+    Quiet& operator=(const Quiet&) = delete;
+
+private:
+    QtMessageHandler usual;
+};
+
+// Plugins that draw text, such as SVG's, need the fonts, and those an application object; a program
+// without a screen gets one that asks for none.
+void ProvideApplication()
+{
+    static int count = 3;
+    static char name[] = "Veltrane", option[] = "-platform", platform[] = "offscreen";
+    static char* arguments[] = { name, option, platform, nullptr };
+    static std::unique_ptr<QGuiApplication> application;
+    if (QCoreApplication::instance() == nullptr)
+        application = std::make_unique<QGuiApplication>(count, arguments);
+}
+
+// A reader over bytes that are not copied.
+class Reader {
+public:
+    explicit Reader(Bytes file)
+        : bytes(QByteArray::fromRawData(
+            reinterpret_cast<const char*>(file.data()), static_cast<qsizetype>(file.size())))
+        , buffer(&bytes)
+    {
+        ProvideApplication();
+        buffer.open(QIODevice::ReadOnly);
+        reader.setDevice(&buffer);
+        reader.setDecideFormatFromContent(true);
+        reader.setAutoTransform(true);
+    }
+    QImageReader* operator->() noexcept { return &reader; }
+
+private:
+    const Quiet quiet;
+    QByteArray bytes;
+    QBuffer buffer;
+    QImageReader reader;
+};
+
+bool Probe(Bytes head) noexcept
+{
+    try {
+        return Reader(head)->canRead();
+    } catch (...) {
+        return false;
+    }
+}
+
+// The size that the header states, as shown; nothing when the plugin tells it only by decoding.
+Info StatedSize(Reader& reader, const Limits& limits)
+{
+    if (!reader->canRead())
+        throw UnsupportedFormatException("format non reconnu");
+    QSize size = reader->size();
+    if (size.isEmpty())
+        return {};
+    if ((reader->transformation() & QImageIOHandler::TransformationRotate90) != 0)
+        size.transpose();
+    // The plugin's own picture stands beside ours until it has been copied.
+    const std::int64_t working = std::int64_t { 4 } * size.width() * size.height();
+    limits.Check(size.width(), size.height(), working);
+    return { size.width(), size.height() };
+}
+
+QImage Read(Reader& reader, const Limits& limits)
+{
+    constexpr std::int64_t kMegabyte = 1024 * 1024;
+    QImageReader::setAllocationLimit(
+        static_cast<int>(std::clamp<std::int64_t>(limits.maxBytes / 2 / kMegabyte, 1, INT_MAX)));
+    QImage image = reader->read();
+    if (image.isNull())
+        throw UnsupportedFormatException("fichier endommagé ou incomplet");
+    limits.Check(image.width(), image.height());
+    if (image.colorSpace().isValid() && image.colorSpace() != QColorSpace(QColorSpace::SRgb))
+        image.convertToColorSpace(QColorSpace(QColorSpace::SRgb));
+    const bool opaque = !image.hasAlphaChannel();
+    image.convertTo(opaque ? QImage::Format_RGBX8888 : QImage::Format_RGBA8888);
+    if (image.isNull())
+        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+    return image;
+}
+
+Bitmap Copy(const QImage& image)
+{
+    Bitmap picture = Bitmap::Uninitialised(image.width(), image.height());
+    std::uint8_t* const rows = picture.Writable();
+    for (int y = 0; y < image.height(); ++y)
+        std::memcpy(
+            rows + static_cast<std::size_t>(y) * picture.Stride(), image.constScanLine(y), picture.Stride());
+    picture.Opaque(!image.hasAlphaChannel());
+    return picture;
+}
+
+Bitmap Decode(Bytes file, const Limits& limits)
+{
+    try {
+        Reader reader(file);
+        (void)StatedSize(reader, limits);
+        return Copy(Read(reader, limits));
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+    }
+}
+
+Info ReadInfo(Bytes file, const Limits& limits)
+{
+    Info info;
+    try {
+        Reader reader(file);
+        info = StatedSize(reader, limits);
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+    }
+    if (info.width > 0)
+        return info;
+    const Bitmap picture = Decode(file, limits);
+    return { picture.Width(), picture.Height() };
+}
+
+constexpr codecs::Codec kFallback { "Qt", Probe, ReadInfo, Decode, nullptr };
+
+} // namespace
+
+void RegisterQtFallback()
+{
+    codecs::RegisterFallback(&kFallback);
+}
+
+} // namespace veltrane

@@ -1,0 +1,117 @@
+#include "platform/qt/MainWindow.h"
+
+#include <QCloseEvent>
+#include <QDropEvent>
+#include <QLayout>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QUrl>
+#include <algorithm>
+
+#include "platform/DragItem.h"
+#include "platform/Runtime.h"
+#include "platform/qt/Edge.h"
+#include "platform/qt/MenuView.h"
+
+namespace veltrane::qt {
+
+namespace {
+
+// As they came, percent-encoded: a path of any bytes would not survive a QString.
+std::vector<std::string> AddressesOf(const QMimeData& payload)
+{
+    std::vector<std::string> addresses;
+    for (const QUrl& address : payload.urls())
+        addresses.push_back(address.toEncoded().toStdString());
+    return addresses;
+}
+
+} // namespace
+
+MainWindow::MainWindow(Window& window, std::function<void()> onPaint)
+    : window(window)
+    , form(*new Form(
+          window, [this] { TakeSizeOfWindow(); }, std::move(onPaint)))
+{
+    setCentralWidget(&form);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    ShowButtons();
+    ShowMenuBar();
+}
+
+void MainWindow::ShowButtons()
+{
+    setWindowFlag(Qt::WindowCloseButtonHint, window.CloseButton());
+    setWindowFlag(Qt::WindowMinimizeButtonHint, window.MinimizeButton());
+    setWindowFlag(Qt::WindowMaximizeButtonHint, window.MaximizeButton());
+    setWindowFlag(Qt::WindowFullscreenButtonHint, window.FullScreenButton());
+}
+
+void MainWindow::ShowMenuBar()
+{
+    ShowMenus(*menuBar(), window.MenuBar());
+    menuBar()->setVisible(window.MenuBarVisible() && window.MenuBar());
+}
+
+void MainWindow::TakeSizeOfWindow()
+{
+    BoundSize();
+    const bool free = (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) == 0;
+    if (free) {
+        const QSize wanted = form.InPixels(window.Width(), window.Height());
+        resize(wanted + QSize(0, menuBar()->sizeHint().height()));
+        // Now the layout tells what the frame around the content takes.
+        layout()->activate();
+        resize(size() + wanted - form.size());
+        layout()->activate();
+    }
+    if (!window.Resizeable())
+        setFixedSize(size());
+    form.FollowSize();
+}
+
+void MainWindow::BoundSize()
+{
+    const QSize most = form.InPixels(window.MaxWidth(), window.MaxHeight());
+    const int bar = menuBar()->isHidden() ? 0 : menuBar()->sizeHint().height();
+    form.setMinimumSize(form.InPixels(window.MinWidth(), window.MinHeight()));
+    setMaximumSize(std::min(most.width(), QWIDGETSIZE_MAX), std::min(most.height() + bar, QWIDGETSIZE_MAX));
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    // The window goes in its turn, once no handler is under way.
+    event->ignore();
+    AtEdge([this] { Runtime::Current().RequestClose(Ref<Window>(&window)); });
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    dragFits = false;
+    AtEdge([&] {
+        dragFits = (event->possibleActions() & Qt::CopyAction) != 0
+            && DragItem::HoldsAnyOf(AddressesOf(*event->mimeData()), window.AcceptedTypes());
+    });
+    dragMoveEvent(event);
+}
+
+void MainWindow::dragMoveEvent(QDragMoveEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(dragFits);
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(dragFits);
+    if (!dragFits)
+        return;
+    // Only noted here: the sender waits for the answer to this event, not for the conversion.
+    AtEdge([&] {
+        Runtime::Current().Drop(
+            Ref<Window>(&window), New<DragItem>(AddressesOf(*event->mimeData()), window.AcceptedTypes()));
+    });
+}
+
+} // namespace veltrane::qt

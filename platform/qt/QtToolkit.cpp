@@ -1,0 +1,136 @@
+#include "platform/qt/QtToolkit.h"
+
+#include <QCursor>
+#include <QElapsedTimer>
+#include <cstdlib>
+#include <iostream>
+
+#include "platform/Runtime.h"
+#include "platform/qt/Accessibility.h"
+#include "platform/qt/MessageBox.h"
+#include "platform/qt/QtApplication.h"
+#include "platform/qt/QtWindowPeer.h"
+#include "platform/qt/Signals.h"
+#include "platform/qt/Turns.h"
+
+namespace veltrane {
+
+namespace {
+
+using namespace qt;
+
+// The toolkit is given the program's name and none of its arguments: those are all documents.
+int argumentCount = 1;
+char programName[] = "Veltrane";
+char* arguments[] = { programName, nullptr };
+
+constexpr qint64 kBetweenYields = 8; // ms; a turn of the loop costs too much to be made for each small file
+constexpr int kLongestYield = 20; // ms
+
+class QtToolkit final : public Toolkit {
+public:
+    QtToolkit();
+
+    // Qt 6 always draws in logical units, and the canvas at the screen's real pixels.
+    void SupportsHiDPI(bool) override { }
+    [[nodiscard]] std::unique_ptr<WindowPeer> MakeWindowPeer(Window& window) override
+    {
+        return std::make_unique<QtWindowPeer>(window, turns);
+    }
+    void Loop() override;
+    void EndLoop() override;
+    void WakeUp() override { turns.WakeUp(); }
+    void Yield() override;
+    [[nodiscard]] Box::Answer ShowBox(const Box& box) override;
+    void CloseBox() override { messageBox.Close(); }
+    void BusyPointer(bool nowBusy) override;
+
+private:
+    QtApplication application;
+    Signals signals;
+    Turns turns;
+    MessageBox messageBox;
+    QElapsedTimer sinceYield;
+    bool ended = false, busy = false;
+};
+
+QtToolkit::QtToolkit()
+    : application(argumentCount, arguments), signals([] { Runtime::Current().RequestEnd(); })
+{
+    InstallAccessibility();
+    sinceYield.start();
+}
+
+void QtToolkit::Loop()
+{
+    if (!ended)
+        QApplication::exec();
+}
+
+void QtToolkit::EndLoop()
+{
+    ended = true;
+    QCoreApplication::exit();
+}
+
+void QtToolkit::Yield()
+{
+    if (sinceYield.elapsed() < kBetweenYields)
+        return;
+    const Turns::Hold hold(turns);
+    QCoreApplication::processEvents(QEventLoop::AllEvents, kLongestYield);
+    sinceYield.start();
+}
+
+// The window that a box belongs to; null while none is shown.
+QWidget* VisibleWindow()
+{
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible() && dynamic_cast<MainWindow*>(widget) != nullptr)
+            return widget;
+    }
+    return nullptr;
+}
+
+Box::Answer QtToolkit::ShowBox(const Box& box)
+{
+    const Turns::Hold hold(turns);
+    const bool wasBusy = busy;
+    BusyPointer(false);
+    const Box::Answer answer = messageBox.Run(box, VisibleWindow());
+    BusyPointer(wasBusy);
+    return answer;
+}
+
+void QtToolkit::BusyPointer(bool nowBusy)
+{
+    if (std::exchange(busy, nowBusy) == nowBusy)
+        return;
+    if (nowBusy)
+        QApplication::setOverrideCursor(Qt::BusyCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+// Qt ends a process that has no screen by abort; this is the only word in between.
+void EndWithoutScreen(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    std::cerr << message.toStdString() << std::endl;
+    if (type != QtFatalMsg)
+        return;
+    std::cerr << "Veltrane : impossible d'ouvrir une fenêtre : aucun écran n'est accessible." << std::endl;
+    std::_Exit(EXIT_FAILURE);
+}
+
+} // namespace
+
+std::unique_ptr<Toolkit> MakeQtToolkit()
+{
+    const QtMessageHandler usual = qInstallMessageHandler(EndWithoutScreen);
+    auto toolkit = std::make_unique<QtToolkit>();
+    qInstallMessageHandler(usual);
+    RegisterQtFallback();
+    return toolkit;
+}
+
+} // namespace veltrane

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Toolkit.h"
+
+namespace veltrane {
+
+/// The body that shows windows through Qt; one per process, before any other use of the toolkit. Also
+/// registers the fallback codec.
+/// Where there is no screen it tells so on the error stream and ends the process with status 1: the toolkit
+/// knows no other way back from there.
+[[nodiscard]] std::unique_ptr<Toolkit> MakeQtToolkit();
+
+/// Registers, as the codec that is asked last, whatever the installed Qt plugins read. Works without a
+/// screen and without MakeQtToolkit.
+void RegisterQtFallback();
+
+} // namespace veltrane
