@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/codecs/jpeg/Jpeg.h"
+
 namespace veltrane::codecs {
 
 namespace {
 
-constexpr std::array<const Codec*, 0> kCodecs {};
+constexpr std::array kCodecs { &kJpeg };
 
 const Codec* fallback = nullptr;
 

@@ -1,0 +1,20 @@
+#include "platform/codecs/jpeg/Jpeg.h"
+
+#include "platform/codecs/jpeg/Decode.h"
+#include "platform/codecs/jpeg/Encode.h"
+
+namespace veltrane::codecs {
+
+namespace {
+
+// T.81, B.1.1.3: the start of image. No other format that we read begins so.
+bool Probe(Bytes head) noexcept
+{
+    return head.size() >= 2 && head[0] == 0xFF && head[1] == 0xD8;
+}
+
+} // namespace
+
+const Codec kJpeg { "JPEG", Probe, jpeg::ReadInfo, jpeg::Decode, jpeg::Encode };
+
+} // namespace veltrane::codecs

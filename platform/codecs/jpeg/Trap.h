@@ -1,0 +1,62 @@
+#pragma once
+
+#include <csetjmp>
+#include <exception>
+#include <memory>
+
+struct jpeg_error_mgr;
+
+namespace veltrane::codecs::jpeg {
+
+/// Brings the library's failures back to C++. The library is C: what it reports must leave it by longjmp,
+/// which destroys nothing on its way, and no exception may pass through it.
+class Trap {
+public:
+    Trap();
+    ~Trap();
+    Trap(const Trap&) = delete;
+    Trap& operator=(const Trap&) = delete;
+
+    /// For the `err` of a library object, which must not outlive this one.
+    [[nodiscard]] jpeg_error_mgr* Errors() noexcept;
+
+    /// Runs `step`, which calls the library and has nothing to destroy. Raises what the library reports:
+    /// UnsupportedFormatException, OutOfBoundsException or OutOfMemoryException; and what Leave was given.
+    template<class Step>
+    void Run(Step step)
+    {
+        if (setjmp(back) == 0)
+            step();
+        else
+            Raise();
+    }
+
+    /// From a callback of the library: ends Run with the exception, once no frame below needs destroying.
+    [[noreturn]] void Leave(std::exception_ptr reason) noexcept;
+
+    /// From a callback of the library: ends Run because pixels cannot be decoded.
+    [[noreturn]] void LeaveDamaged() noexcept;
+
+    /// The file has ended before its end mark.
+    [[nodiscard]] bool SawEnd() const noexcept { return sawEnd; }
+
+    /// From now on the missing end mark counts as damage. For arithmetic coding: its decoder takes the
+    /// end for zeros without a word.
+    void EndIsDamage() noexcept { endIsDamage = true; }
+
+private:
+    struct Manager;
+
+    [[noreturn]] void Raise() const;
+    [[noreturn]] void RaiseDamaged() const;
+    void Warned(int code, int marker) noexcept;
+
+    std::unique_ptr<Manager> manager;
+    std::jmp_buf back {};
+    std::exception_ptr thrown;
+    int code = 0;
+    bool sawEnd = false;
+    bool endIsDamage = false;
+};
+
+} // namespace veltrane::codecs::jpeg
