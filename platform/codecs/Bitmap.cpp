@@ -83,10 +83,11 @@ private:
 
 namespace {
 
-std::shared_ptr<PixelBlock> Allocate(int width, int height, PixelBlock::Content content)
+std::shared_ptr<PixelBlock> Allocate(
+    int width, int height, PixelBlock::Content content, std::size_t slack = 0)
 {
     const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    return std::make_shared<PixelBlock>(pixels * Bitmap::kBytesPerPixel, content);
+    return std::make_shared<PixelBlock>(pixels * Bitmap::kBytesPerPixel + slack, content);
 }
 
 } // namespace
@@ -96,9 +97,9 @@ Bitmap::Bitmap(int width, int height, std::shared_ptr<PixelBlock> block) noexcep
 {
 }
 
-Bitmap Bitmap::Uninitialised(int width, int height)
+Bitmap Bitmap::Uninitialised(int width, int height, std::size_t slack)
 {
-    return { width, height, Allocate(width, height, PixelBlock::Content::Any) };
+    return { width, height, Allocate(width, height, PixelBlock::Content::Any, slack) };
 }
 
 Bitmap Bitmap::Transparent(int width, int height)

@@ -16,9 +16,10 @@ public:
 
     Bitmap() noexcept = default; ///< no pixels: 0 x 0
 
-    /// Pixels whose values are not set yet. Sides of 1 or more.
+    /// Pixels whose values are not set yet. Sides of 1 or more. `slack`: bytes behind the last row that a
+    /// decoder may use while it fills the picture; they stay allocated, so keep them few.
     /// Raises OutOfMemoryException when the machine has not the room.
-    [[nodiscard]] static Bitmap Uninitialised(int width, int height);
+    [[nodiscard]] static Bitmap Uninitialised(int width, int height, std::size_t slack = 0);
 
     /// Every pixel transparent black; memory is taken as the pixels are touched.
     /// Raises OutOfMemoryException when the machine has not the room.

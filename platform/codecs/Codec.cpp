@@ -4,12 +4,16 @@
 #include <array>
 
 #include "platform/codecs/jpeg/Jpeg.h"
+#include "platform/codecs/png/Png.h"
 
 namespace veltrane::codecs {
 
 namespace {
 
 constexpr std::array kCodecs { &kJpeg };
+constexpr std::array<const Codec*, 1> kCodecs {
+    &kPng,
+};
 
 const Codec* fallback = nullptr;
 

@@ -1,0 +1,287 @@
+#include "platform/codecs/png/Decode.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <span>
+#include <vector>
+
+#include "platform/Exceptions.h"
+#include "platform/codecs/Exif.h"
+#include "platform/codecs/png/Chunks.h"
+#include "platform/codecs/png/Inflate.h"
+#include "platform/codecs/png/Rows.h"
+#include "platform/codecs/png/Unfilter.h"
+
+namespace veltrane::codecs::png {
+
+namespace {
+
+// One of the reduced pictures that an interlaced file stores: every dx-th pixel of every dy-th row.
+// Source: PNG 3rd ed., 8.1.
+struct Pass {
+    std::size_t x, y, dx, dy;
+};
+constexpr std::array<Pass, 7> kAdam7 { { { 0, 0, 8, 8 }, { 4, 0, 8, 8 }, { 0, 4, 4, 8 }, { 2, 0, 4, 4 },
+    { 0, 2, 2, 4 }, { 1, 0, 2, 2 }, { 0, 1, 1, 2 } } };
+constexpr Pass kWhole { 0, 0, 1, 1 };
+
+struct Size {
+    std::size_t width, height;
+};
+
+Size SizeOf(const Header& header)
+{
+    return { static_cast<std::size_t>(header.width), static_cast<std::size_t>(header.height) };
+}
+
+Size SizeOf(const Pass& pass, const Header& header)
+{
+    const Size whole = SizeOf(header);
+    return { (whole.width - std::min(whole.width, pass.x) + pass.dx - 1) / pass.dx,
+        (whole.height - std::min(whole.height, pass.y) + pass.dy - 1) / pass.dy };
+}
+
+// Bytes of a row without its filter byte.
+std::size_t RowBytes(const Header& header, std::size_t width)
+{
+    return (width * static_cast<std::size_t>(header.BitsPerPixel()) + 7) / 8;
+}
+
+std::size_t StoredBytes(const Header& header, const Pass& pass)
+{
+    const Size size = SizeOf(pass, header);
+    return size.width == 0 ? 0 : size.height * (1 + RowBytes(header, size.width));
+}
+
+std::size_t StoredBytes(const Header& header)
+{
+    if (!header.interlaced)
+        return StoredBytes(header, kWhole);
+    std::size_t all = 0;
+    for (const Pass& pass : kAdam7)
+        all += StoredBytes(header, pass);
+    return all;
+}
+
+// A pixel that is stored in at most the bytes it takes in memory lets the rows be inflated into the end of
+// the picture's own block and be expanded from there towards its beginning, never reaching what is not
+// read yet.
+bool FitsBesidePixels(const Header& header) noexcept
+{
+    return !header.interlaced && header.BitsPerPixel() <= 32;
+}
+
+std::size_t PixelBytes(const Header& header)
+{
+    const Size size = SizeOf(header);
+    return size.width * size.height * Bitmap::kBytesPerPixel;
+}
+
+// Filter bytes may make the stored rows a little larger than the pixels.
+std::size_t Slack(const Header& header)
+{
+    const std::size_t stored = StoredBytes(header), pixels = PixelBytes(header);
+    return FitsBesidePixels(header) && stored > pixels ? stored - pixels : 0;
+}
+
+// Some writers put the mark in front by which JPEG files tell such blocks.
+Orientation OrientationOf(const Chunks& chunks) noexcept
+{
+    constexpr std::array<std::uint8_t, 6> kMark { 'E', 'x', 'i', 'f', 0, 0 };
+    Bytes tiff = chunks.exif;
+    if (tiff.size() >= kMark.size() && std::equal(kMark.begin(), kMark.end(), tiff.begin()))
+        tiff = tiff.subspan(kMark.size());
+    return ExifOrientation(tiff);
+}
+
+void CheckLimits(const Chunks& chunks, const Limits& limits)
+{
+    const Header& header = chunks.header;
+    limits.Check(header.width, header.height);
+    std::size_t working = FitsBesidePixels(header) ? Slack(header) : StoredBytes(header);
+    if (chunks.dataChunks > 1)
+        working += chunks.dataBytes;
+    if (OrientationOf(chunks) != Orientation::TopLeft)
+        working = std::max(working, PixelBytes(header));
+    working += (kBandRows + 2) * (RowBytes(header, SizeOf(header).width) + 1);
+    limits.Check(header.width, header.height, static_cast<std::int64_t>(working));
+}
+
+using Block = std::unique_ptr<std::uint8_t[]>;
+
+// Fills `rows` from the file's pixel data.
+void InflateInto(std::span<std::uint8_t> rows, Bytes file, const Chunks& chunks)
+{
+    Block joined;
+    Bytes stream;
+    if (chunks.dataChunks == 1) {
+        ForEachData(file, [&](Bytes part) { stream = part; });
+    } else {
+        joined = std::make_unique_for_overwrite<std::uint8_t[]>(chunks.dataBytes);
+        stream = { joined.get(), chunks.dataBytes };
+        std::uint8_t* end = joined.get();
+        ForEachData(file, [&](Bytes part) { end = std::copy(part.begin(), part.end(), end); });
+    }
+    switch (InflateRows(stream, rows)) {
+    case Inflated::Whole: return;
+    case Inflated::TooLittle: Damaged("trop peu de pixels");
+    case Inflated::Broken:
+        if (!chunks.ended)
+            Incomplete();
+        Damaged("pixels illisibles");
+    }
+}
+
+class Decoder {
+public:
+    explicit Decoder(const Chunks& chunks)
+        : chunks(chunks)
+        , header(chunks.header)
+        , step(std::max<std::size_t>(1, static_cast<std::size_t>(header.BitsPerPixel()) / 8))
+        , reader(chunks)
+    {
+    }
+
+    Bitmap Read(Bytes file)
+    {
+        const std::size_t stored = StoredBytes(header), pixelBytes = PixelBytes(header);
+        Bitmap picture = Bitmap::Uninitialised(
+            static_cast<int>(header.width), static_cast<int>(header.height), Slack(header));
+        std::uint8_t* const pixels = picture.Writable();
+        Block own;
+        std::uint8_t* rows = pixels + std::max(pixelBytes, stored) - stored;
+        if (!FitsBesidePixels(header)) {
+            own = std::make_unique_for_overwrite<std::uint8_t[]>(stored);
+            rows = own.get();
+        }
+        InflateInto({ rows, stored }, file, chunks);
+        if (header.interlaced)
+            ReadPasses(rows, pixels);
+        else
+            ReadWhole(rows, pixels);
+        picture.Opaque(reader.Opaque());
+        return picture;
+    }
+
+private:
+    void ReadPasses(const std::uint8_t* rows, std::uint8_t* pixels)
+    {
+        for (const Pass& pass : kAdam7) {
+            const Size size = SizeOf(pass, header);
+            if (size.width == 0)
+                continue;
+            Begin(size.width);
+            std::vector<std::uint8_t> line(size.width * 4);
+            for (std::size_t y = 0; y < size.height; ++y) {
+                ReadRow(rows + y * (1 + rowBytes), line.data(), size.width);
+                Scatter(line, pixels + ((pass.y + y * pass.dy) * SizeOf(header).width + pass.x) * 4, pass.dx);
+            }
+            rows += size.height * (1 + rowBytes);
+        }
+    }
+
+    static void Scatter(const std::vector<std::uint8_t>& line, std::uint8_t* to, std::size_t apart)
+    {
+        for (std::size_t i = 0; i < line.size(); i += 4)
+            std::memcpy(to + i * apart, line.data() + i, 4);
+    }
+
+    void ReadWhole(const std::uint8_t* rows, std::uint8_t* pixels)
+    {
+        const Size size = SizeOf(header);
+        Begin(size.width);
+        std::size_t y = 0;
+        if (header.depth == 8 && header.Channels() >= 3)
+            y = ReadBands(rows, pixels);
+        for (; y < size.height; ++y)
+            ReadRow(rows + y * (1 + rowBytes), pixels + y * size.width * 4, size.width);
+    }
+
+    // As many whole bands as there are, by the fast way of the two usual layouts; the number of rows read.
+    std::size_t ReadBands(const std::uint8_t* rows, std::uint8_t* pixels)
+    {
+        const Size size = SizeOf(header);
+        const std::size_t bandBytes = kBandRows * (1 + rowBytes), stride = size.width * 4;
+        std::vector<std::uint8_t> band(bandBytes + 4), saved(stride);
+        const std::uint8_t* above = saved.data();
+        std::size_t y = 0;
+        for (; y + kBandRows <= size.height; y += kBandRows) {
+            // Out of the way: what is written may reach this band's rows, though never the next one's.
+            std::memcpy(band.data(), rows + y * (1 + rowBytes), bandBytes);
+            for (std::size_t k = 0; k < kBandRows; ++k)
+                CheckFilter(band[k * (1 + rowBytes)]);
+            std::uint8_t* const to = pixels + y * stride;
+            UnfilterBand(band.data(), step, above, to, size.width);
+            above = to + (kBandRows - 1) * stride;
+            if (reader.FinishRecolours()) {
+                std::memcpy(saved.data(), above, stride);
+                above = saved.data();
+            }
+            for (std::size_t k = 0; k < kBandRows; ++k)
+                reader.Finish(to + k * stride, size.width);
+        }
+        KeepAbove(above, y > 0);
+        return y;
+    }
+
+    // Lets ReadRow go on below a band.
+    void KeepAbove(const std::uint8_t* rgba, bool any)
+    {
+        for (std::size_t i = 0, pixels = SizeOf(header).width; any && i < pixels; ++i)
+            std::memcpy(before.data() + i * step, rgba + i * 4, step);
+    }
+
+    void Begin(std::size_t width)
+    {
+        rowBytes = RowBytes(header, width);
+        before.assign(rowBytes, 0);
+        current.resize(rowBytes);
+    }
+
+    void ReadRow(const std::uint8_t* stored, std::uint8_t* rgba, std::size_t width)
+    {
+        CheckFilter(*stored);
+        const auto filter = static_cast<Filter>(*stored);
+        std::memcpy(current.data(), stored + 1, rowBytes);
+        Unfilter(filter, current.data(), before.data(), rowBytes, step);
+        reader.Expand(current.data(), rgba, width);
+        std::swap(current, before);
+    }
+
+    static void CheckFilter(std::uint8_t filter)
+    {
+        if (filter >= kFilters)
+            Damaged("filtre inconnu");
+    }
+
+    const Chunks& chunks;
+    const Header& header;
+    std::size_t step; ///< bytes from a sample to its neighbour on the left
+    RowReader reader;
+    std::size_t rowBytes = 0;
+    std::vector<std::uint8_t> before, current;
+};
+
+} // namespace
+
+Info ReadInfo(Bytes file, const Limits& limits)
+{
+    const Chunks chunks = ReadChunks(file, DataCheck::Skip);
+    CheckLimits(chunks, limits);
+    const Info info { chunks.header.width, chunks.header.height };
+    return SwapsSides(OrientationOf(chunks)) ? Info { info.height, info.width } : info;
+}
+
+Bitmap Decode(Bytes file, const Limits& limits)
+try {
+    const Chunks chunks = ReadChunks(file, DataCheck::Verify);
+    CheckLimits(chunks, limits);
+    return Upright(Decoder(chunks).Read(file), OrientationOf(chunks));
+} catch (const std::bad_alloc&) {
+    throw OutOfMemoryException("mémoire insuffisante pour cette image");
+}
+
+} // namespace veltrane::codecs::png

@@ -1,0 +1,51 @@
+#include "platform/codecs/png/PngColour.h"
+
+#include <algorithm>
+
+#include "platform/codecs/png/CodePointProfile.h"
+#include "platform/codecs/png/Inflate.h"
+
+namespace veltrane::codecs::png {
+
+namespace {
+
+// Larger than any profile in use; a bomb ends here.
+constexpr std::size_t kMostProfile = std::size_t { 8 } << 20;
+
+// The profile behind its name and its method, of which there is one. Source: PNG 3rd ed., 11.3.2.3.
+std::vector<std::uint8_t> EmbeddedProfile(Bytes chunk)
+{
+    const auto end = std::find(chunk.begin(), chunk.end(), std::uint8_t { 0 });
+    const std::size_t name = static_cast<std::size_t>(end - chunk.begin());
+    if (chunk.size() < name + 2 || chunk[name + 1] != 0)
+        return {};
+    return InflateSmall(chunk.subspan(name + 2), kMostProfile);
+}
+
+bool IsGrey(ColourType colour) noexcept
+{
+    return colour == ColourType::Grey || colour == ColourType::GreyAlpha;
+}
+
+} // namespace
+
+Transforms ColoursOf(const Chunks& chunks, Samples pixels)
+{
+    if (chunks.codePoints) {
+        if (IsSrgb(*chunks.codePoints))
+            return {};
+        if (const auto profile = ProfileOf(*chunks.codePoints); !profile.empty())
+            return { ColourTransform::FromProfile(profile, pixels), nullptr };
+    }
+    if (const auto profile = EmbeddedProfile(chunks.profile); !profile.empty()) {
+        if (IsGrey(chunks.header.colour))
+            return { nullptr, ColourTransform::FromProfile(profile, Samples::Grey8) };
+        return { ColourTransform::FromProfile(profile, pixels), nullptr };
+    }
+    // Primaries without a curve describe no colour: the file is taken as untagged.
+    if (chunks.srgb || !chunks.gamma)
+        return {};
+    return { ColourTransform::FromGamma(*chunks.gamma, chunks.primaries, pixels), nullptr };
+}
+
+} // namespace veltrane::codecs::png

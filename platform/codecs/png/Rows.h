@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "platform/codecs/png/Chunks.h"
+#include "platform/codecs/png/PngColour.h"
+
+namespace veltrane::codecs::png {
+
+/// Turns unfiltered rows into straight 8-bit RGBA in sRGB: palette, transparent colour, depth and colour
+/// space resolved.
+class RowReader {
+public:
+    /// `chunks` must outlive the reader.
+    explicit RowReader(const Chunks& chunks);
+
+    /// Expands `pixels` samples as they lie in the file.
+    void Expand(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels);
+
+    /// The same for samples of 8 bits that lie there as RGBA already, alpha 255 where the file has none.
+    void Finish(std::uint8_t* rgba, std::size_t pixels);
+
+    /// Whether Finish changes colours, so that the row must not serve as a prediction any more.
+    [[nodiscard]] bool FinishRecolours() const noexcept { return colours.pixels != nullptr; }
+
+    /// Whether every pixel so far was opaque.
+    [[nodiscard]] bool Opaque() const noexcept { return leastAlpha == 255; }
+
+private:
+    using Table = std::array<std::array<std::uint8_t, 4>, 256>;
+
+    void FillGreys();
+    void FillPalette();
+    void ExpandIndexed(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels) const;
+    void ExpandGreyAlpha(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels) const;
+    void Expand16(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels);
+    void Read16(const std::uint8_t* row, std::size_t pixels);
+    void Reduce16(std::uint8_t* rgba, std::size_t pixels) const;
+    void NoteAlpha(const std::uint8_t* rgba, std::size_t pixels);
+
+    const Chunks& chunks;
+    Transforms colours;
+    std::optional<std::array<std::uint16_t, 3>> key; ///< the transparent colour, as stored
+    Table table {}; ///< a grey or an index to its pixel
+    std::vector<std::uint16_t> wide; ///< a row of Rgba16
+    std::uint8_t leastAlpha = 255;
+};
+
+} // namespace veltrane::codecs::png
