@@ -4,6 +4,7 @@
 
 #include "platform/codecs/png/Chunks.h"
 #include "platform/codecs/png/Decode.h"
+#include "platform/codecs/png/Encode.h"
 
 namespace veltrane::codecs {
 
@@ -17,6 +18,6 @@ bool Probe(Bytes head) noexcept
 
 } // namespace
 
-const Codec kPng { "PNG", Probe, png::ReadInfo, png::Decode, nullptr };
+const Codec kPng { "PNG", Probe, png::ReadInfo, png::Decode, png::Encode };
 
 } // namespace veltrane::codecs

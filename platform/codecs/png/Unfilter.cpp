@@ -5,6 +5,8 @@
 #include <bit>
 #include <cstring>
 
+#include "platform/codecs/png/PaethVector.h"
+
 namespace veltrane::codecs::png {
 
 namespace {
@@ -45,30 +47,6 @@ void UnfilterBy(Filter filter, std::uint8_t* row, const std::uint8_t* above, std
 // Vectors as the compiler knows them on every processor: 16 samples, or the same as four pixels.
 using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
 using Pixels4 = std::uint32_t __attribute__((vector_size(16)));
-
-[[gnu::always_inline]] inline Bytes16 Distance(Bytes16 a, Bytes16 b)
-{
-    return (a > b ? a : b) - (a > b ? b : a);
-}
-
-[[gnu::always_inline]] inline Bytes16 Mask(auto condition)
-{
-    return reinterpret_cast<Bytes16>(condition);
-}
-
-// Where a and b lie on the same side of c, a + b - c lies beyond both and c is never the nearest; where
-// they lie on different sides, its distance from c is the difference of the other two.
-[[gnu::always_inline]] inline Bytes16 PaethOf(Bytes16 a, Bytes16 b, Bytes16 c)
-{
-    const Bytes16 towardsA = Distance(b, c), towardsB = Distance(a, c);
-    const Bytes16 low = a < b ? a : b, high = a < b ? b : a;
-    const Bytes16 beyond = Mask(c <= low) | Mask(c >= high);
-    const Bytes16 towardsC = Distance(towardsA, towardsB) | beyond;
-    const Bytes16 shorter = towardsA < towardsB ? towardsA : towardsB;
-    const Bytes16 least = shorter < towardsC ? shorter : towardsC;
-    const Bytes16 rest = towardsB == least ? b : c;
-    return towardsA == least ? a : rest;
-}
 
 std::uint32_t Load(const std::uint8_t* from) noexcept
 {
@@ -117,9 +95,10 @@ private:
         const Bytes16 a = reinterpret_cast<Bytes16>(out);
         const Bytes16 b = reinterpret_cast<Bytes16>(__builtin_shufflevector(out, first, 4, 0, 1, 2));
         const Bytes16 mean = (a & b) + (((a ^ b) >> 1) & 0x7F);
+        Bytes16 nearest;
+        PaethOf(a, b, aboveLeft, nearest);
         const Bytes16 prediction = (a & reinterpret_cast<Bytes16>(sub)) | (b & reinterpret_cast<Bytes16>(up))
-            | (mean & reinterpret_cast<Bytes16>(average))
-            | (PaethOf(a, b, aboveLeft) & reinterpret_cast<Bytes16>(paeth));
+            | (mean & reinterpret_cast<Bytes16>(average)) | (nearest & reinterpret_cast<Bytes16>(paeth));
         out = reinterpret_cast<Pixels4>(reinterpret_cast<Bytes16>(raw) + prediction);
         aboveLeft = b;
     }

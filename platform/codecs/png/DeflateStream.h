@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "platform/codecs/Bytes.h"
+#include "platform/codecs/Sink.h"
+#include "platform/codecs/png/Block.h"
+#include "platform/codecs/png/Matches.h"
+
+namespace veltrane::codecs::png {
+
+/// What bytes are like, and so how to look for repetitions in them.
+enum class Likeness {
+    Residues, ///< what prediction left of a photograph: runs of zeros at most
+    Repeats, ///< drawings, text, palettes: anything may come again
+};
+
+/// Writes one zlib stream as IDAT chunks. Memory: the window, a band and its compressed form.
+class DeflateStream {
+public:
+    /// `most`: bytes in the largest band. `to` must outlive this.
+    DeflateStream(Sink& to, std::size_t most);
+
+    /// The room for the next band: `most` bytes, good until Write.
+    [[nodiscard]] std::uint8_t* Room() noexcept { return window.data() + kept; }
+
+    /// Compresses the first `bytes` bytes of the room. `last` ends the stream and writes what is left.
+    void Write(std::size_t bytes, Likeness likeness, bool last);
+
+private:
+    void WriteBlocks(std::size_t end, Likeness likeness, bool last);
+    void Keep(std::size_t end);
+    void WriteChunk(bool last);
+
+    Sink& sink;
+    std::vector<std::uint8_t> window; ///< what came before, as far as matches reach, then the band
+    std::size_t kept = 0;
+    std::uint32_t origin = kWindow + 1; ///< position in the stream of the window's first byte; not 0, which
+                                        ///< is what the tables of the match finder hold at first
+    MatchFinder finder;
+    Block block;
+    std::vector<std::uint8_t> out; ///< a chunk in the making
+    BitWriter writer;
+    std::uint32_t adler = 1;
+};
+
+/// Writes a chunk. `type`: its four letters as a number.
+void WriteChunk(Sink& to, std::uint32_t type, Bytes data);
+
+} // namespace veltrane::codecs::png

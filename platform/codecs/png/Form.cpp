@@ -1,0 +1,229 @@
+#include "platform/codecs/png/Form.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace veltrane::codecs::png {
+
+namespace {
+
+Pixel LoadPixel(const std::uint8_t* from) noexcept
+{
+    Pixel pixel = 0;
+    std::memcpy(&pixel, from, sizeof pixel);
+    return pixel;
+}
+
+std::array<std::uint8_t, 4> Channels(Pixel pixel) noexcept
+{
+    return std::bit_cast<std::array<std::uint8_t, 4>>(pixel);
+}
+
+// What may still be said of all pixels seen.
+struct Findings {
+    bool opaque = true;
+    bool grey = true;
+    bool indexed = true;
+};
+
+bool RowIsOpaque(const std::uint8_t* rgba, std::size_t width) noexcept
+{
+    Pixel all = ~Pixel { 0 };
+    for (std::size_t i = 0; i < width; ++i)
+        all &= LoadPixel(rgba + 4 * i);
+    return Channels(all)[3] == 255;
+}
+
+bool RowIsGrey(const std::uint8_t* rgba, std::size_t width) noexcept
+{
+    Pixel differences = 0; // of each channel from the next one
+    for (std::size_t i = 0; i < width; ++i) {
+        const Pixel pixel = LoadPixel(rgba + 4 * i);
+        differences |= pixel ^ std::rotr(pixel, std::endian::native == std::endian::little ? 8 : -8);
+    }
+    return Channels(differences)[0] == 0 && Channels(differences)[1] == 0;
+}
+
+// Neighbours are equal more often than not where there are few colours.
+bool IndexRow(PaletteIndex& palette, const std::uint8_t* rgba, std::size_t width) noexcept
+{
+    Pixel last = LoadPixel(rgba);
+    (void)palette.Of(last);
+    for (std::size_t i = 1; i < width && !palette.Full(); ++i) {
+        const Pixel pixel = LoadPixel(rgba + 4 * i);
+        if (pixel != last)
+            (void)palette.Of(last = pixel);
+    }
+    return !palette.Full();
+}
+
+Findings Look(const Bitmap& picture, PaletteIndex& palette)
+{
+    const auto width = static_cast<std::size_t>(picture.Width());
+    Findings found;
+    for (int y = 0; y < picture.Height(); ++y) {
+        const std::uint8_t* const row = picture.Row(y);
+        found.opaque = found.opaque && (picture.Opaque() || RowIsOpaque(row, width));
+        found.grey = found.grey && RowIsGrey(row, width);
+        found.indexed = found.indexed && IndexRow(palette, row, width);
+        const bool nothingElse = !found.opaque || picture.Opaque();
+        if (!found.grey && !found.indexed && nothingElse)
+            break;
+    }
+    return found;
+}
+
+int DepthFor(std::size_t colours) noexcept
+{
+    return colours <= 2 ? 1 : colours <= 4 ? 2 : colours <= 16 ? 4 : 8;
+}
+
+// The fewest bits that tell every grey of the palette: 1 bit knows 0 and 255, 2 bits the multiples of 85,
+// 4 bits those of 17.
+int GreyDepth(const PaletteIndex& palette) noexcept
+{
+    int depth = 1;
+    for (std::size_t i = 0; i < palette.Size(); ++i) {
+        const unsigned grey = Channels(palette.Pixels()[i])[0];
+        while (depth < 8 && grey % (255U / ((1U << depth) - 1)) != 0)
+            depth *= 2;
+    }
+    return depth;
+}
+
+ColourType DirectColour(const Findings& found) noexcept
+{
+    if (found.grey)
+        return found.opaque ? ColourType::Grey : ColourType::GreyAlpha;
+    return found.opaque ? ColourType::Rgb : ColourType::Rgba;
+}
+
+// A palette takes room itself, and what it saves would have been compressed.
+bool PalettePays(const Form& direct, std::size_t pixels) noexcept
+{
+    const std::size_t colours = direct.palette.Size(), bits = static_cast<std::size_t>(DepthFor(colours));
+    return direct.BitsPerPixel() > bits && pixels * (direct.BitsPerPixel() - bits) / 8 / 3 > 24 + 4 * colours;
+}
+
+void PackRgb(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
+{
+    for (std::size_t i = 0; i < width; ++i)
+        std::memcpy(row + 3 * i, rgba + 4 * i, 4);
+}
+
+void PackGrey(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
+{
+    for (std::size_t i = 0; i < width; ++i)
+        row[i] = rgba[4 * i];
+}
+
+void PackGreyAlpha(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
+{
+    for (std::size_t i = 0; i < width; ++i) {
+        row[2 * i] = rgba[4 * i];
+        row[2 * i + 1] = rgba[4 * i + 3];
+    }
+}
+
+void PackIndices(PaletteIndex& palette, const std::uint8_t* rgba, std::uint8_t* row, std::size_t width)
+{
+    Pixel last = LoadPixel(rgba);
+    std::uint8_t index = palette.Of(last);
+    for (std::size_t i = 0; i < width; ++i) {
+        const Pixel pixel = LoadPixel(rgba + 4 * i);
+        if (pixel != last)
+            index = palette.Of(last = pixel);
+        row[i] = index;
+    }
+}
+
+// Closes up samples of one byte each, in place. A grey sample's upper bits tell it all.
+void Close(std::uint8_t* row, std::size_t width, unsigned depth, unsigned dropped) noexcept
+{
+    const std::size_t inByte = 8 / depth;
+    for (std::size_t i = 0; i < width; i += inByte) {
+        unsigned byte = 0;
+        for (std::size_t k = 0; k < inByte; ++k)
+            byte = byte << depth | (i + k < width ? unsigned { row[i + k] } >> dropped : 0U);
+        row[i / inByte] = static_cast<std::uint8_t>(byte);
+    }
+}
+
+} // namespace
+
+std::size_t PaletteIndex::SlotOf(Pixel pixel) const noexcept
+{
+    std::size_t slot = (pixel * 0x9E37'79B1U) >> 22;
+    while (slots[slot] != 0 && pixels[slots[slot] - 1U] != pixel)
+        slot = (slot + 1) % kSlots;
+    return slot;
+}
+
+std::uint8_t PaletteIndex::Of(Pixel pixel) noexcept
+{
+    const std::size_t slot = SlotOf(pixel);
+    if (slots[slot] == 0) {
+        if (count == pixels.size()) {
+            full = true;
+            return 0;
+        }
+        pixels[count++] = pixel;
+        slots[slot] = static_cast<std::uint16_t>(count);
+    }
+    return static_cast<std::uint8_t>(slots[slot] - 1);
+}
+
+void PaletteIndex::PutTransparentFirst() noexcept
+{
+    const auto end = pixels.begin() + static_cast<std::ptrdiff_t>(count);
+    std::stable_partition(pixels.begin(), end, [](Pixel pixel) { return Channels(pixel)[3] != 255; });
+    slots.fill(0);
+    for (std::size_t i = 0; i < count; ++i)
+        slots[SlotOf(pixels[i])] = static_cast<std::uint16_t>(i + 1);
+}
+
+std::size_t Form::BitsPerPixel() const noexcept
+{
+    const Header header { .depth = depth, .colour = colour };
+    return static_cast<std::size_t>(header.BitsPerPixel());
+}
+
+Form FormOf(const Bitmap& picture)
+{
+    Form form;
+    const Findings found = Look(picture, form.palette);
+    form.colour = DirectColour(found);
+    if (form.colour == ColourType::Grey && found.indexed)
+        form.depth = GreyDepth(form.palette);
+    const std::size_t pixels
+        = static_cast<std::size_t>(picture.Width()) * static_cast<std::size_t>(picture.Height());
+    if (found.indexed && PalettePays(form, pixels)) {
+        form.colour = ColourType::Palette;
+        form.depth = DepthFor(form.palette.Size());
+        form.palette.PutTransparentFirst();
+    }
+    return form;
+}
+
+void PackRow(Form& form, const std::uint8_t* rgba, std::uint8_t* row, std::size_t width)
+{
+    const auto depth = static_cast<unsigned>(form.depth);
+    switch (form.colour) {
+    case ColourType::Rgba: std::memcpy(row, rgba, 4 * width); break;
+    case ColourType::Rgb: PackRgb(rgba, row, width); break;
+    case ColourType::GreyAlpha: PackGreyAlpha(rgba, row, width); break;
+    case ColourType::Grey:
+        PackGrey(rgba, row, width);
+        if (depth < 8)
+            Close(row, width, depth, 8 - depth);
+        break;
+    case ColourType::Palette:
+        PackIndices(form.palette, rgba, row, width);
+        if (depth < 8)
+            Close(row, width, depth, 0);
+        break;
+    }
+}
+
+} // namespace veltrane::codecs::png

@@ -1,0 +1,148 @@
+#include "platform/codecs/png/Matches.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace veltrane::codecs::png {
+
+namespace {
+
+constexpr int kHashBits = 15, kThreesBits = 14;
+constexpr int kDepth = 35; // candidates looked at; more finds little
+constexpr unsigned kNice = 65; // a match this long is taken without a look at the next position
+constexpr unsigned kNearby = 8192; // matches of three bytes from further away cost more than literals
+constexpr std::size_t kEnoughSequences = 12'000; // of a block: statistics change along a picture
+
+std::uint32_t Load(const std::uint8_t* from) noexcept
+{
+    std::uint32_t word = 0;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+}
+
+std::uint32_t HashOfFour(const std::uint8_t* at) noexcept
+{
+    return (Load(at) * 0x9E37'79B1U) >> (32 - kHashBits);
+}
+
+std::uint32_t HashOfThree(const std::uint8_t* at) noexcept
+{
+    const std::uint32_t three = at[0] | std::uint32_t { at[1] } << 8 | std::uint32_t { at[2] } << 16;
+    return (three * 0x9E37'79B1U) >> (32 - kThreesBits);
+}
+
+// How many bytes are equal, from `known` on, `most` at most.
+unsigned CommonLength(const std::uint8_t* a, const std::uint8_t* b, unsigned known, unsigned most) noexcept
+{
+    for (; known + 8 <= most; known += 8) {
+        std::uint64_t x = 0, y = 0;
+        std::memcpy(&x, a + known, sizeof x);
+        std::memcpy(&y, b + known, sizeof y);
+        if (x != y) {
+            const int zeros = std::endian::native == std::endian::little ? std::countr_zero(x ^ y)
+                                                                         : std::countl_zero(x ^ y);
+            return known + static_cast<unsigned>(zeros) / 8;
+        }
+    }
+    while (known < most && a[known] == b[known])
+        ++known;
+    return known;
+}
+
+} // namespace
+
+MatchFinder::MatchFinder()
+    : heads(std::size_t { 1 } << kHashBits), threes(std::size_t { 1 } << kThreesBits), previous(kWindow)
+{
+}
+
+// Positions are compared by their distance, so that tables may hold what they like: a candidate counts
+// only if it lies in the window, and then its bytes are there to be compared.
+MatchFinder::Match MatchFinder::Find(const Stretch& in, std::size_t at, unsigned longerThan, int depth)
+{
+    Match best { longerThan, 0 };
+    const auto most = static_cast<unsigned>(std::min(in.end - at, kLongestMatch));
+    if (most < 4 || longerThan >= most)
+        return {};
+    const std::uint8_t* const here = in.data + at;
+    const std::uint32_t position = in.origin + static_cast<std::uint32_t>(at);
+    const std::size_t reach = std::min(at, kWindow);
+    std::uint32_t candidate = heads[HashOfFour(here)];
+    const std::uint32_t near = position - threes[HashOfThree(here)];
+    Note(in, at);
+    if (longerThan < 3 && near - 1 < std::min<std::size_t>(reach, kNearby)
+        && std::memcmp(here, here - near, 3) == 0)
+        best = { 3, near };
+    for (std::uint32_t last = 0; depth > 0; --depth) {
+        const std::uint32_t distance = position - candidate;
+        if (distance <= last || distance > reach)
+            break;
+        last = distance;
+        const std::uint8_t* const there = here - distance;
+        if (best.length < 4 || Load(there + best.length - 3) == Load(here + best.length - 3)) {
+            const unsigned length = CommonLength(here, there, 0, most);
+            if (length > std::max(best.length, 3U)) {
+                best = { length, distance };
+                if (length >= kNice || length == most)
+                    break;
+            }
+        }
+        candidate = previous[candidate % kWindow];
+    }
+    return best.distance != 0 ? best : Match {};
+}
+
+// What a match saves, as far as it can be known before the code is made: length counts most, and a far one
+// costs extra bits.
+int MatchFinder::Worth(const Match& match) noexcept
+{
+    return 4 * static_cast<int>(match.length) - static_cast<int>(std::bit_width(match.distance));
+}
+
+void MatchFinder::Note(const Stretch& in, std::size_t at)
+{
+    const std::uint32_t position = in.origin + static_cast<std::uint32_t>(at);
+    std::uint32_t& head = heads[HashOfFour(in.data + at)];
+    previous[position % kWindow] = head;
+    head = position;
+    threes[HashOfThree(in.data + at)] = position;
+}
+
+void MatchFinder::Skip(const Stretch& in, std::size_t from, std::size_t to)
+{
+    for (to = std::min(to, in.end - std::min<std::size_t>(in.end, 3)); from < to; ++from)
+        Note(in, from);
+}
+
+std::size_t MatchFinder::Cut(
+    const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to, Block& block)
+{
+    const Stretch in { data, origin, to };
+    block.Clear();
+    std::size_t at = from, literalsFrom = from;
+    while (at < to && block.sequences.size() < kEnoughSequences) {
+        Match match = Find(in, at, 2, kDepth);
+        if (match.length == 0) {
+            ++block.literals[data[at++]];
+            continue;
+        }
+        std::size_t noted = at + 1;
+        while (match.length < kNice) { // a better match one byte on is worth a literal
+            const Match next = Find(in, at + 1, match.length - 1, kDepth / 2);
+            ++noted;
+            if (next.length == 0 || Worth(next) <= Worth(match) + 2)
+                break;
+            ++block.literals[data[at++]];
+            match = next;
+        }
+        block.AddMatch(static_cast<std::uint32_t>(at - literalsFrom), match.length, match.distance);
+        at += match.length;
+        Skip(in, noted, at);
+        literalsFrom = at;
+    }
+    block.AddEnd(static_cast<std::uint32_t>(at - literalsFrom));
+    return at;
+}
+
+} // namespace veltrane::codecs::png

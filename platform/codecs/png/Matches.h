@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "platform/codecs/png/Block.h"
+
+namespace veltrane::codecs::png {
+
+/// Finds what a stream has shown before, within deflate's window: chains of positions with the same four
+/// bytes, searched to a bounded depth, and the last position with the same three.
+class MatchFinder {
+public:
+    MatchFinder();
+
+    /// Cuts bytes [from, to) of `data` into literals and matches and counts them in `block`, which is
+    /// cleared first. Stops early, behind a whole sequence, when the block is long enough; the position
+    /// reached. `data` holds the stream from `origin` on (a position in the stream), and whatever of the
+    /// window before `from` is still known.
+    [[nodiscard]] std::size_t Cut(
+        const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to, Block& block);
+
+private:
+    struct Match {
+        unsigned length = 0;
+        unsigned distance = 0;
+    };
+    struct Stretch { // what Cut works on
+        const std::uint8_t* data;
+        std::uint32_t origin;
+        std::size_t end;
+    };
+
+    [[nodiscard]] Match Find(const Stretch& in, std::size_t at, unsigned longerThan, int depth);
+    [[nodiscard]] static int Worth(const Match& match) noexcept;
+    void Note(const Stretch& in, std::size_t at);
+    void Skip(const Stretch& in, std::size_t from, std::size_t to);
+
+    std::vector<std::uint32_t> heads, threes, previous;
+};
+
+} // namespace veltrane::codecs::png
