@@ -7,11 +7,12 @@ namespace veltrane::codecs::png {
 
 namespace {
 
-constexpr std::size_t kWord = 8;
+constexpr std::size_t kWord = 4;
+constexpr std::size_t kShortest = 10; // shorter runs cost as much as their literals, which are the cheapest
 
 bool IsZeroWord(const std::uint8_t* bytes) noexcept
 {
-    std::uint64_t word = 0;
+    std::uint32_t word = 0;
     std::memcpy(&word, bytes, sizeof word);
     return word == 0;
 }
@@ -73,10 +74,11 @@ void FindRuns(Bytes bytes, Block& block)
             --start;
         while (end < bytes.size() && data[end] == 0)
             ++end;
-        counter.Count(data + from, start + 1 - from);
-        const std::size_t next = AddRun(block, from, start, end);
-        from = next;
         i = end;
+        if (end - start < kShortest)
+            continue;
+        counter.Count(data + from, start + 1 - from);
+        from = AddRun(block, from, start, end);
     }
     counter.Count(data + from, bytes.size() - from);
     block.AddEnd(static_cast<std::uint32_t>(bytes.size() - from));
