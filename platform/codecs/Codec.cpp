@@ -10,8 +10,8 @@ namespace veltrane::codecs {
 
 namespace {
 
-constexpr std::array kCodecs { &kJpeg };
-constexpr std::array<const Codec*, 1> kCodecs {
+constexpr std::array kCodecs {
+    &kJpeg,
     &kPng,
 };
 
