@@ -1,0 +1,45 @@
+// One source, a fuzz target for each format: built with CODEC=kPng, CODEC=kGif and so on.
+
+#include CODEC_HEADER
+
+#include <algorithm>
+
+#include "platform/Exceptions.h"
+#include "platform/codecs/Codec.h"
+
+using namespace veltrane;
+
+namespace {
+
+/// Counts what an encoder writes.
+class Nowhere final : public codecs::Sink {
+public:
+    void Write(codecs::Bytes bytes) override { written += bytes.size(); }
+    std::size_t written = 0;
+};
+
+// Below what the fuzzer itself may use, so that an allocation past the limits shows.
+constexpr codecs::Limits kSmall { .maxSide = 4096, .maxBytes = 64 << 20 };
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const codecs::Bytes file(data, size);
+    (void)codecs::CODEC.probe(file.first(std::min(size, codecs::kProbeBytes)));
+    try {
+        const codecs::Bitmap picture = codecs::CODEC.decode(file, kSmall);
+        const codecs::Info info = codecs::CODEC.readInfo(file, kSmall);
+        if (info.width != picture.Width() || info.height != picture.Height())
+            __builtin_trap(); // the two readers must agree
+        if (codecs::CODEC.encode != nullptr) {
+            Nowhere sink;
+            codecs::CODEC.encode(picture, 80, sink);
+        }
+    } catch (const UnsupportedFormatException&) {
+    } catch (const OutOfBoundsException&) {
+    } catch (const OutOfMemoryException&) {
+        // The allowed refusals. Anything else escapes, and the fuzzer reports it.
+    }
+    return 0;
+}
