@@ -123,6 +123,7 @@ constexpr BadCase kBad[] = {
     { "ComponentCutOff", "bad-component-cut-off", kFormat, kCut },
     { "ArithmeticCut", "bad-arithmetic-cut", kFormat, kCut },
     { "RestartMarkMissing", "bad-restart-mark-missing", kFormat, kDamaged },
+    { "RestartMarkOfAnotherInterval", "bad-restart-mark-of-another-interval", kFormat, kDamaged },
     { "BytesLeftInARestartInterval", "bad-restart-bytes-left", kFormat, kDamaged },
     { "NoSuchHuffmanCode", "bad-huffman-code", kFormat, kDamaged },
     { "TwelveBits", "bad-12-bits", kFormat, "fichier JPEG dont les échantillons n'ont pas 8 bits" },
@@ -165,19 +166,31 @@ TEST(Jpeg, ManyScansOfASmallPictureAreFine)
     EXPECT_EQ(kJpeg.decode(File("scans-many-of-a-small-picture"), Limits()).Width(), 16);
 }
 
-// The pixels alone would fit; what progressive coding and turning hold beside them would not.
-TEST(Jpeg, MemoryIsCheckedWithWhatTheDecoderHolds)
+struct MemoryCase {
+    std::string_view name, file;
+    std::int64_t enough, little; ///< bytes
+};
+
+// Pixels, then what the decoder holds beside them: a few rows of blocks, all blocks, a turned copy.
+constexpr std::int64_t kScene = 42 * 27 * 4, kSquare = 3000 * 3000;
+constexpr MemoryCase kMemory[] = {
+    { "Baseline", "baseline-444", kScene + 10'000, kScene },
+    { "Turned", "turned-6", 2 * kScene + 10'000, kScene + 10'000 },
+    { "Progressive", "bad-scans-without-end", 4 * kSquare + 2 * kSquare, 4 * kSquare + kSquare },
+};
+
+class JpegMemory : public testing::TestWithParam<MemoryCase> { };
+
+TEST_P(JpegMemory, IsCheckedWithWhatTheDecoderHolds)
 {
-    constexpr std::int64_t kPixels = 42 * 27 * 4;
-    EXPECT_NO_THROW((void)kJpeg.decode(File("baseline-444"), Limits { .maxBytes = kPixels + 12'000 }));
-    for (const std::string_view name : { "progressive", "turned-6" }) {
-        const Limits enough { .maxBytes = 2 * kPixels + 12'000 };
-        EXPECT_NO_THROW((void)kJpeg.decode(File(name), enough)) << name;
-        const Limits little { .maxBytes = kPixels + (name == "progressive" ? 2'000 : 4'000) };
-        EXPECT_THROW((void)kJpeg.decode(File(name), little), OutOfMemoryException) << name;
-        EXPECT_THROW((void)kJpeg.readInfo(File(name), little), OutOfMemoryException) << name;
-    }
+    const auto file = File(GetParam().file);
+    EXPECT_NO_THROW((void)kJpeg.readInfo(file, Limits { .maxBytes = GetParam().enough }));
+    const Limits little { .maxBytes = GetParam().little };
+    EXPECT_THROW((void)kJpeg.readInfo(file, little), OutOfMemoryException);
+    EXPECT_THROW((void)kJpeg.decode(file, little), OutOfMemoryException);
 }
+
+INSTANTIATE_TEST_SUITE_P(Jpeg, JpegMemory, testing::ValuesIn(kMemory), tests::kByName);
 
 // Whatever is cut off or changed, there is a picture or one of the documented refusals.
 TEST(Jpeg, SurvivesCutsAndChanges)
