@@ -204,7 +204,8 @@ Entries MakeEntries(const Code& code)
 }
 
 // Two codes are joined before they meet the stream: the chain of shifts through it is half as long.
-void WriteLiterals(BitWriter& to, const Entries& entries, const std::uint8_t* bytes, std::size_t count)
+[[gnu::always_inline]] inline void WriteLiterals(
+    BitWriter& to, const Entries& entries, const std::uint8_t* bytes, std::size_t count)
 {
     const auto pair = [&](std::size_t i, unsigned& bits) {
         const std::uint32_t a = entries[bytes[i]], b = entries[bytes[i + 1]];
@@ -224,7 +225,7 @@ void WriteLiterals(BitWriter& to, const Entries& entries, const std::uint8_t* by
     }
 }
 
-void WriteMatch(BitWriter& to, const Code& code, const Sequence& match)
+[[gnu::always_inline]] inline void WriteMatch(BitWriter& to, const Code& code, const Sequence& match)
 {
     const Slot length = kLengthSlots[match.length], distance = DistanceSlot(match.distance);
     to.Put(code.literalCodes[length.symbol], code.literalLengths[length.symbol]);
@@ -234,9 +235,11 @@ void WriteMatch(BitWriter& to, const Code& code, const Sequence& match)
     to.Flush();
 }
 
-void WriteSymbols(BitWriter& to, const Code& code, const Block& block, const std::uint8_t* bytes)
+[[gnu::always_inline]] inline void WriteAll(
+    BitWriter& stream, const Code& code, const Block& block, const std::uint8_t* bytes)
 {
     const Entries entries = MakeEntries(code);
+    BitWriter to = stream; // nobody else's memory, so that it lives in registers
     for (const Sequence& sequence : block.sequences) {
         WriteLiterals(to, entries, bytes, sequence.literals);
         bytes += sequence.literals + sequence.length;
@@ -245,6 +248,26 @@ void WriteSymbols(BitWriter& to, const Code& code, const Block& block, const std
     }
     to.Put(code.literalCodes[kEndOfBlock], code.literalLengths[kEndOfBlock]);
     to.Flush();
+    stream = to;
+}
+
+#ifdef __x86_64__
+// The shifts of newer processors, a third of the older ones' steps.
+[[gnu::target("bmi2")]] void WriteAllBmi2(
+    BitWriter& to, const Code& code, const Block& block, const std::uint8_t* bytes)
+{
+    WriteAll(to, code, block, bytes);
+}
+#endif
+
+void WriteSymbols(BitWriter& to, const Code& code, const Block& block, const std::uint8_t* bytes)
+{
+#ifdef __x86_64__
+    static const bool hasBmi2 = __builtin_cpu_supports("bmi2") != 0;
+    if (hasBmi2)
+        return WriteAllBmi2(to, code, block, bytes);
+#endif
+    WriteAll(to, code, block, bytes);
 }
 
 enum BlockType : unsigned { kStored = 0, kFixed = 1, kDynamic = 2 };

@@ -86,11 +86,12 @@ template<Filter filter>
 [[gnu::always_inline]] inline Filter BestOf(
     const std::uint8_t* row, const std::uint8_t* above, std::size_t bytes, std::size_t step)
 {
-    constexpr std::size_t kStretch = 128 * sizeof(Lanes);
+    constexpr std::size_t kSampleStep = sizeof(Lanes); // every other vector tells enough
+    constexpr std::size_t kStretch = 128 * kSampleStep;
     Sum sub, up, average, paeth;
     for (std::size_t start = 0; start < bytes; start += kStretch) {
         const std::size_t end = std::min(bytes, start + kStretch);
-        for (std::size_t i = start; i < end; i += sizeof(Lanes)) {
+        for (std::size_t i = start; i < end; i += kSampleStep) {
             const Neighbours near(row, above, i, step);
             AddTo<kSub>(sub, near);
             AddTo<kUp>(up, near);

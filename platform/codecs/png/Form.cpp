@@ -106,10 +106,38 @@ bool PalettePays(const Form& direct, std::size_t pixels) noexcept
     return direct.BitsPerPixel() > bits && pixels * (direct.BitsPerPixel() - bits) / 8 / 3 > 24 + 4 * colours;
 }
 
+void PackRgbFrom(const std::uint8_t* rgba, std::uint8_t* row, std::size_t i, std::size_t width) noexcept
+{
+    for (; i < width; ++i)
+        std::memcpy(row + 3 * i, rgba + 4 * i, 4);
+}
+
+#ifdef __x86_64__
+// Four pixels a step, where the processor can move bytes about in a register.
+[[gnu::target("avx2")]] void PackRgbAvx2(
+    const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
+{
+    using Pixels4 = std::uint8_t __attribute__((vector_size(16)));
+    std::size_t i = 0;
+    for (; i + 4 <= width; i += 4) {
+        Pixels4 pixels;
+        std::memcpy(&pixels, rgba + 4 * i, sizeof pixels);
+        pixels
+            = __builtin_shufflevector(pixels, pixels, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
+        std::memcpy(row + 3 * i, &pixels, sizeof pixels);
+    }
+    PackRgbFrom(rgba, row, i, width);
+}
+#endif
+
 void PackRgb(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
 {
-    for (std::size_t i = 0; i < width; ++i)
-        std::memcpy(row + 3 * i, rgba + 4 * i, 4);
+#ifdef __x86_64__
+    static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
+    if (hasAvx2)
+        return PackRgbAvx2(rgba, row, width);
+#endif
+    PackRgbFrom(rgba, row, 0, width);
 }
 
 void PackGrey(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
