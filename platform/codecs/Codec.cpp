@@ -4,15 +4,19 @@
 #include <array>
 
 #include "platform/codecs/jpeg/Jpeg.h"
+#include "platform/codecs/pict/Pict.h"
 #include "platform/codecs/png/Png.h"
 
 namespace veltrane::codecs {
 
 namespace {
 
+// PICT last: its mark stands behind bytes that may be anything, so that a file of another format can hold
+// it by accident.
 constexpr std::array kCodecs {
     &kJpeg,
     &kPng,
+    &kPict,
 };
 
 const Codec* fallback = nullptr;

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/codecs/pict/Canvas.h"
+#include "platform/codecs/pict/Port.h"
+
+namespace veltrane::codecs::pict {
+
+/// Reads and draws what one of the six bitmap opcodes holds; `in` stands behind it and is left behind its
+/// data. Source: Imaging With QuickDraw, appendix A, table A-2, opcodes 0x0090 to 0x009B.
+void DrawBits(int opcode, ByteReader& in, const Port& port, Canvas& canvas, Budget& budget);
+
+} // namespace veltrane::codecs::pict

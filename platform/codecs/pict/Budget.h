@@ -1,0 +1,33 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "platform/Exceptions.h"
+
+namespace veltrane::codecs::pict {
+
+/// The work that one picture may cause, roughly in pixels touched. A two-byte opcode can paint the whole
+/// frame, so a file's length alone bounds nothing: this does.
+class Budget {
+public:
+    /// Any real drawing stays far below: the frame sixteen times over, a thousand pixels for each byte of
+    /// the file, and a flat half a thousand million.
+    Budget(std::int64_t framePixels, std::int64_t fileBytes) noexcept
+        : left(framePixels * 16 + std::min(fileBytes, std::int64_t { 1 } << 20) * 1000 + 500'000'000)
+    {
+    }
+
+    /// Raises UnsupportedFormatException once the work is more than was granted.
+    void Charge(std::int64_t work)
+    {
+        left -= work;
+        if (left < 0)
+            throw UnsupportedFormatException("dessin PICT démesuré");
+    }
+
+private:
+    std::int64_t left;
+};
+
+} // namespace veltrane::codecs::pict

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "platform/codecs/Bitmap.h"
+#include "platform/codecs/pict/Budget.h"
+#include "platform/codecs/pict/Pattern.h"
+#include "platform/codecs/pict/Region.h"
+#include "platform/codecs/pict/Shape.h"
+#include "platform/codecs/pict/Transfer.h"
+
+namespace veltrane::codecs::pict {
+
+/// The picture being drawn, white paper at first, and the region outside of which nothing is drawn. Its
+/// coordinates begin with (0, 0) at the picture's top left pixel.
+class Canvas {
+public:
+    /// Raises OutOfMemoryException when the machine has not the room.
+    Canvas(int width, int height, Budget& budget);
+
+    /// The pixels that drawing can reach at the moment.
+    [[nodiscard]] Rect Visible() const noexcept { return visible; }
+
+    void Clip(Region region);
+
+    /// Fills the shape's pixels with the pattern.
+    void Fill(const Shape& shape, const Pattern& pattern, const Transfer& transfer);
+
+    /// Puts pixels into row `y`, the first at `x`; only where `mask` has pixels, unless it is null.
+    void Put(int x, int y, std::span<const Rgba> pixels, const Shape* mask, const Transfer& transfer);
+
+    /// Puts the transfer's black into row `y` from `left` up to `right`, so that `coverage` of 255 parts
+    /// of each pixel are new.
+    void Tint(int y, int left, int right, int coverage, const Transfer& transfer);
+
+    /// The finished picture; the canvas is of no use afterwards.
+    [[nodiscard]] Bitmap Finish() { return std::move(bitmap); }
+
+private:
+    [[nodiscard]] Rgba* At(int x, int y) noexcept;
+    const Spans& Clipped(int y, const Spans& wanted);
+    void FillSpan(int y, int left, int right, const Pattern& pattern, const Transfer& transfer);
+
+    Bitmap bitmap;
+    std::uint8_t* rows;
+    Budget& budget;
+    Region clip;
+    Rect visible;
+    Spans clipRow;
+    Spans shown;
+    std::vector<Rgba> scratch;
+};
+
+} // namespace veltrane::codecs::pict

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/codecs/pict/Geometry.h"
+#include "platform/codecs/pict/Rgba.h"
+
+namespace veltrane::codecs::pict {
+
+/// What is known of a bitmap before its pixels come.
+/// Source: Imaging With QuickDraw, chapter 3, "BitMap", and chapter 4, "PixelMap".
+struct PixelMap {
+    int rowBytes = 0;
+    Rect bounds; ///< of the pixels, in a coordinate system of their own
+    bool blackAndWhite = true; ///< a BitMap: one bit a pixel, 1 is black
+    int packType = 0;
+    int pixelSize = 1; ///< bits a pixel: 1, 2, 4, 8, 16 or 32
+    int components = 1; ///< of a direct pixel, 3 or 4
+    std::vector<Rgba> palette; ///< 256 colours when the pixels are numbers
+};
+
+/// Reads a BitMap or, when the row bytes have their upper bit set, a PixMap without its base address.
+/// Raises UnsupportedFormatException for depths that do not exist and rows too short for their pixels.
+[[nodiscard]] PixelMap ReadPixelMap(ByteReader& in);
+
+/// Reads a ColorTable: always 256 colours, black where the file names none.
+[[nodiscard]] std::vector<Rgba> ReadColourTable(ByteReader& in);
+
+/// The palette of a BitMap.
+[[nodiscard]] std::vector<Rgba> BlackAndWhitePalette();
+
+} // namespace veltrane::codecs::pict

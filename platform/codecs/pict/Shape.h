@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/codecs/pict/Geometry.h"
+#include "platform/codecs/pict/Spans.h"
+
+namespace veltrane::codecs::pict {
+
+/// A set of pixels, asked row by row.
+class Shape {
+public:
+    virtual ~Shape() = default;
+
+    /// Nothing of the shape lies outside.
+    [[nodiscard]] virtual Rect Bounds() const noexcept = 0;
+
+    /// Puts the row `y` into `row`, which is emptied first. Rows may be asked in any order.
+    virtual void Row(int y, Spans& row) const = 0;
+
+    /// What one row costs to find, in the budget's units.
+    [[nodiscard]] virtual int RowCost() const noexcept { return 8; }
+};
+
+} // namespace veltrane::codecs::pict
