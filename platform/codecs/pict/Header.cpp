@@ -91,7 +91,9 @@ Rect ExtendedFrame(ByteReader in, const Rect& frame)
 bool LooksLikePicture(Bytes head) noexcept
 {
     try {
-        return Find(head).has_value();
+        // Another format of the same suffix, .pic, whose pixels may be anything.
+        constexpr std::array<std::uint8_t, 4> kSoftimage { 0x53, 0x80, 0xF6, 0x34 };
+        return !MarkAt(head, 0, kSoftimage) && Find(head).has_value();
     } catch (const RuntimeException&) {
         return false; // too short for what it would have to hold
     }

@@ -67,6 +67,12 @@ enum Opcode : int {
     kUncompressedQuickTime = 0x8201,
 };
 
+/// The six opcodes that hold bitmaps, among reserved ones.
+[[nodiscard]] constexpr bool IsBits(int opcode) noexcept
+{
+    return opcode == kBitsRect || opcode == kBitsRgn || (opcode >= kPackBitsRect && opcode <= kDirectBitsRgn);
+}
+
 /// How many bytes of data follow the opcode at `in`, which stands behind it and does not move. Reserved
 /// codes have a length too. None for the codes whose length only their contents tell: pixel patterns and
 /// bitmaps. Raises UnsupportedFormatException when the length itself is cut off.

@@ -5,28 +5,29 @@
 #include "platform/codecs/pict/Drawing.h"
 #include "platform/codecs/pict/Opcodes.h"
 #include "platform/codecs/pict/Port.h"
+#include "platform/codecs/pict/QuickTime.h"
 #include "platform/codecs/pict/Settings.h"
 
 namespace veltrane::codecs::pict {
 
 namespace {
 
-bool IsBits(int opcode) noexcept
-{
-    return opcode == kBitsRect || opcode == kBitsRgn || (opcode >= kPackBitsRect && opcode <= kDirectBitsRgn);
-}
+// QuickTime puts a message behind its image for machines without it, and before the message a pen size
+// that no pen has: this height, and as its width the number of bytes to step over.
+constexpr int kFallbackMark = 0xAE;
 
 class Player {
 public:
     Player(Bytes file, const Header& header, const Limits& limits)
         : header(header)
-        , limits(limits)
+        , innerLimits(limits)
         , in(file.subspan(header.start), std::endian::big)
         , budget(std::int64_t { header.frame.Width() } * header.frame.Height(),
               static_cast<std::int64_t>(file.size()))
         , canvas(header.frame.Width(), header.frame.Height(), budget)
     {
         in.Seek(header.opcodes - header.start);
+        innerLimits.maxBytes -= std::int64_t { header.frame.Width() } * header.frame.Height() * 4;
         port.offset = { -header.frame.left, -header.frame.top };
     }
 
@@ -39,9 +40,10 @@ public:
 private:
     bool Step();
     void Draw(int opcode, ByteReader& data);
+    void SkipFallback();
 
     const Header& header;
-    const Limits& limits;
+    Limits innerLimits; ///< for pictures within the picture, which stands in memory already
     ByteReader in;
     Budget budget;
     Canvas canvas;
@@ -66,7 +68,20 @@ bool Player::Step()
     }
     if (in.Position() % width != 0 && in.Remaining() > 0)
         in.Skip(1);
+    if (opcode == kCompressedQuickTime || opcode == kUncompressedQuickTime)
+        SkipFallback();
     return true;
+}
+
+void Player::SkipFallback()
+{
+    ByteReader ahead = in;
+    if (ahead.Remaining() < 6 || ahead.U16() != kPnSize || ahead.U16() != kFallbackMark)
+        return;
+    const std::size_t length = ahead.U16();
+    if (length <= ahead.Remaining())
+        ahead.Skip(length);
+    in = ahead;
 }
 
 void Player::Draw(int opcode, ByteReader& data)
@@ -77,6 +92,8 @@ void Player::Draw(int opcode, ByteReader& data)
         DrawShape(opcode, data, port, canvas, budget);
     else if (IsBits(opcode))
         DrawBits(opcode, data, port, canvas, budget);
+    else if (opcode == kCompressedQuickTime || opcode == kUncompressedQuickTime)
+        DrawQuickTime(opcode, data, port, canvas, budget, innerLimits);
     else if (opcode < kRects)
         Set(opcode, data, port, canvas, budget);
 }

@@ -1,0 +1,142 @@
+#include "platform/codecs/pict/QuickTime.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "platform/codecs/pict/Bits.h"
+#include "platform/codecs/pict/Opcodes.h"
+#include "platform/codecs/pict/Still.h"
+#include "platform/codecs/pict/Stretch.h"
+
+namespace veltrane::codecs::pict {
+
+namespace {
+
+/// x' = a x + tx, y' = d y + ty, in fixed point with 16 bits behind the point.
+struct Mapping {
+    double a = 1;
+    double d = 1;
+    double tx = 0;
+    double ty = 0;
+
+    [[nodiscard]] Rect operator()(const Rect& r) const noexcept
+    {
+        const auto at = [](double scale, int from, double move) {
+            // Beyond 32 bits there is no canvas; the ends keep the conversion defined.
+            return static_cast<int>(std::lround(std::clamp(scale * from + move, -1e6, 1e6)));
+        };
+        return { at(a, r.left, tx), at(d, r.top, ty), at(a, r.right, tx), at(d, r.bottom, ty) };
+    }
+};
+
+// A matrix of three columns and three rows; the last column is 0, 0, 1 in all that is not a perspective.
+Mapping ReadMapping(ByteReader& in)
+{
+    const auto fixed = [&in] { return in.I32() / 65536.0; };
+    Mapping map;
+    map.a = fixed();
+    const double b = fixed();
+    in.Skip(4);
+    const double c = fixed();
+    map.d = fixed();
+    in.Skip(4);
+    map.tx = fixed();
+    map.ty = fixed();
+    in.Skip(4);
+    if (b != 0 || c != 0 || map.a <= 0 || map.d <= 0)
+        throw UnsupportedFormatException("image QuickTime tournée ou retournée");
+    return map;
+}
+
+// A matte says how much of each pixel is seen. Nobody is known to have stored one in a picture; stepping
+// over it shows the whole image.
+void SkipMatte(ByteReader& in)
+{
+    const std::size_t size = in.U32();
+    in.Skip(8); // the rectangle it covers
+    in.Skip(size);
+}
+
+// The rows of a still on white: a picture's paper, and what shows through where the still is transparent.
+void FlattenRow(const Bitmap& bitmap, int y, std::vector<Rgba>& row)
+{
+    std::memcpy(row.data(), bitmap.Row(y), bitmap.Stride());
+    if (bitmap.Opaque())
+        return;
+    for (Rgba& pixel : row) {
+        const auto c = Components(pixel);
+        const auto over = [alpha = int { c[3] }](int value) {
+            return static_cast<std::uint8_t>((value * alpha + 255 * (255 - alpha) + 127) / 255);
+        };
+        pixel = MakeRgba(over(c[0]), over(c[1]), over(c[2]));
+    }
+}
+
+struct Placement {
+    Rect source;
+    Rect target; ///< on the canvas
+    Transfer transfer;
+    std::optional<Region> mask; ///< on the canvas
+};
+
+void Place(const Bitmap& bitmap, const Placement& place, Canvas& canvas)
+{
+    const Rect whole { 0, 0, bitmap.Width(), bitmap.Height() };
+    const Region* const mask = place.mask ? &*place.mask : nullptr;
+    Stretch stretch(whole, place.source, place.target, Intersect(place.target, canvas.Visible()),
+        Shrinking::Average,
+        [&](int x, int y, std::span<const Rgba> row) { canvas.Put(x, y, row, mask, place.transfer); });
+    std::vector<Rgba> row(static_cast<std::size_t>(whole.right));
+    for (int y = 0; y < whole.bottom; ++y) {
+        if (!stretch.Needs(y))
+            continue;
+        FlattenRow(bitmap, y, row);
+        stretch.Take(y, row);
+    }
+}
+
+void DrawCompressed(ByteReader& data, const Mapping& map, const Port& port, Canvas& canvas, Budget& budget,
+    const Limits& limits)
+{
+    SkipMatte(data);
+    Placement place;
+    place.transfer = port.With(data.U16());
+    place.source = ReadRect(data);
+    data.Skip(4); // accuracy
+    if (const std::size_t maskSize = data.U32(); maskSize > 0) {
+        ByteReader mask = data.Nested(maskSize);
+        place.mask = Region::Read(mask, port.offset, budget);
+    }
+    const Still still = ReadStill(data);
+    budget.Charge(static_cast<std::int64_t>(still.data.size()));
+    const Bitmap bitmap = DecodeStill(still, limits);
+    budget.Charge(std::int64_t { bitmap.Width() } * bitmap.Height());
+    if (place.source.Empty())
+        place.source = { 0, 0, bitmap.Width(), bitmap.Height() };
+    place.target = Offset(map(place.source), port.offset);
+    if (!place.target.Empty())
+        Place(bitmap, place, canvas);
+}
+
+} // namespace
+
+void DrawQuickTime(
+    int opcode, ByteReader& data, const Port& port, Canvas& canvas, Budget& budget, const Limits& limits)
+{
+    data.Skip(4 + 2); // length, version
+    const Mapping map = ReadMapping(data);
+    if (opcode == kCompressedQuickTime) {
+        DrawCompressed(data, map, port, canvas, budget, limits);
+        return;
+    }
+    SkipMatte(data);
+    const int bits = data.U16(); // an opcode of its own follows, with its own places
+    if (!IsBits(bits))
+        throw UnsupportedFormatException("image QuickTime endommagée");
+    DrawBits(bits, data, port, canvas, budget);
+}
+
+} // namespace veltrane::codecs::pict

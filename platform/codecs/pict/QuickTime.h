@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/codecs/Limits.h"
+#include "platform/codecs/pict/Canvas.h"
+#include "platform/codecs/pict/Port.h"
+
+namespace veltrane::codecs::pict {
+
+/// Draws the compressed still that opcode 0x8200 holds, or the matted bitmap of 0x8201. `data` is all of
+/// the opcode's data. Raises UnsupportedFormatException, naming the compressor when it is one that we do
+/// not read. Source: Inside Macintosh: QuickTime, chapter 3, "Working With Pictures".
+void DrawQuickTime(
+    int opcode, ByteReader& data, const Port& port, Canvas& canvas, Budget& budget, const Limits& limits);
+
+} // namespace veltrane::codecs::pict
