@@ -7,6 +7,7 @@
 #include "platform/codecs/pict/Port.h"
 #include "platform/codecs/pict/QuickTime.h"
 #include "platform/codecs/pict/Settings.h"
+#include "platform/codecs/pict/Text.h"
 
 namespace veltrane::codecs::pict {
 
@@ -48,6 +49,7 @@ private:
     Budget budget;
     Canvas canvas;
     Port port;
+    TextPainter text;
 };
 
 // One opcode; false when there is none left.
@@ -88,6 +90,8 @@ void Player::Draw(int opcode, ByteReader& data)
 {
     if (opcode >= kLine && opcode <= kShortLineFrom)
         DrawLine(opcode, data, port, canvas);
+    else if (opcode >= kLongText && opcode <= kDhDvText)
+        text.Draw(opcode, data, port, canvas, budget);
     else if (opcode >= kRects && opcode < kBitsRect)
         DrawShape(opcode, data, port, canvas, budget);
     else if (IsBits(opcode))

@@ -70,7 +70,9 @@ void SetText(int opcode, ByteReader& data, TextStyle& text)
     case kTxMode: text.mode = data.I16(); break;
     case kTxSize: text.size = data.I16(); break;
     case kSpExtra: text.spaceExtra = data.I32() / kFixed; break;
-    case kChExtra: text.letterExtra = data.I16() / 4096.0 * (text.size > 0 ? text.size : 12); break;
+    case kChExtra:
+        text.letterExtra = data.I16() / 4096.0 * (text.size > 0 ? text.size : 12);
+        break; // told for a point
     case kTxRatio: SetRatio(data, text); break;
     case kFontName: SetFontName(data, text); break;
     case kLineJustify: SetJustification(data, text); break;

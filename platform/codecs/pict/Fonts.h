@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/codecs/pict/Port.h"
+
+namespace veltrane::codecs::pict {
+
+/// What to look for in place of a Macintosh font.
+struct Substitute {
+    std::string_view family;
+    double letterWidth; ///< mean width of the original's letters a to z, in ems; 0 when it is not known
+    bool bold = false; ///< the original is bold by nature
+    bool symbols = false; ///< its bytes are Greek letters and signs
+};
+
+/// The substitute for the font that the style names by name or, failing that, by number.
+/// Source of the numbers: Inside Macintosh: Text, chapter 4, "Font Family IDs".
+[[nodiscard]] Substitute SubstituteFor(const TextStyle& style);
+
+} // namespace veltrane::codecs::pict
