@@ -12,9 +12,9 @@ namespace veltrane::codecs::pict {
 class Budget {
 public:
     /// Any real drawing stays far below: the frame sixteen times over, a thousand pixels for each byte of
-    /// the file, and a flat half a thousand million.
+    /// the file, and a flat quarter of a thousand million.
     Budget(std::int64_t framePixels, std::int64_t fileBytes) noexcept
-        : left(framePixels * 16 + std::min(fileBytes, std::int64_t { 1 } << 20) * 1000 + 500'000'000)
+        : left(framePixels * 16 + std::min(fileBytes, std::int64_t { 1 } << 20) * 1000 + 256'000'000)
     {
     }
 
