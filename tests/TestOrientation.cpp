@@ -120,10 +120,31 @@ TEST(Orientation, KeepsOpaqueAndLeavesCopiesAlone)
     }
 }
 
-// Larger than the squares in which rows and columns are exchanged, and no multiple of them.
+// More rows than are taken at once, and no multiple of them.
+TEST(Orientation, RowsAsTheyComeGiveTheSamePicture)
+{
+    constexpr int kWidth = 37, kHeight = 141;
+    Bitmap stored = Bitmap::Uninitialised(kWidth, kHeight);
+    std::uint8_t* out = stored.Writable();
+    for (int i = 0; i < 4 * kWidth * kHeight; ++i)
+        out[i] = static_cast<std::uint8_t>(i % 251);
+    for (int tag = 1; tag <= 8; ++tag) {
+        codecs::UprightRows rows(kWidth, kHeight, codecs::OrientationFrom(tag));
+        for (int y = 0; y < kHeight;) {
+            const int count = std::min({ 7 + tag, codecs::UprightRows::kAtOnce, kHeight - y });
+            const std::size_t bytes = stored.Stride() * static_cast<std::size_t>(count);
+            std::copy_n(stored.Row(y), bytes, rows.Next());
+            rows.Written(count);
+            y += count;
+        }
+        EXPECT_EQ(Letters(rows.Take()), Letters(codecs::Upright(stored, codecs::OrientationFrom(tag))))
+            << tag;
+    }
+}
+
 TEST(Orientation, EveryPixelOfALargerPictureMoves)
 {
-    constexpr int kWidth = 37, kHeight = 21;
+    constexpr int kWidth = 37, kHeight = 91;
     Bitmap stored = Bitmap::Uninitialised(kWidth, kHeight);
     std::uint8_t* out = stored.Writable();
     for (int i = 0; i < kWidth * kHeight; ++i, out += 4)

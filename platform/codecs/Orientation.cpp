@@ -42,46 +42,62 @@ Bitmap TurnRound(Bitmap picture)
     return picture;
 }
 
-// Where the rows of a picture lie once rows and columns are exchanged: stored (x, y) goes to
-// origin + x * alongX + y * alongY.
-struct Exchange {
+// Rows that are moved at once where rows become columns: the more there are, the fewer pages of the upright
+// picture each of them touches; so many still fit the second cache.
+constexpr int kStrip = 64;
+
+// Where stored pixels belong in the upright picture: (x, y) goes to origin + x * alongX + y * alongY.
+struct Places {
     Pixel* origin;
     std::ptrdiff_t alongX, alongY;
 };
 
-Exchange ExchangeFor(Bitmap& target, Orientation orientation)
+Places PlacesIn(Pixel* first, std::ptrdiff_t width, std::ptrdiff_t height, Orientation orientation)
 {
-    const std::ptrdiff_t width = target.Width();
-    const std::ptrdiff_t height = target.Height();
-    Pixel* const first = Pixels(target);
     Pixel* const lastRow = first + width * (height - 1);
     switch (orientation) {
+    case Orientation::TopLeft: return { first, 1, width };
+    case Orientation::TopRight: return { first + width - 1, -1, width };
+    case Orientation::BottomRight: return { lastRow + width - 1, -1, -width };
+    case Orientation::BottomLeft: return { lastRow, 1, -width };
+    case Orientation::LeftTop: return { first, width, 1 };
     case Orientation::RightTop: return { first + width - 1, width, -1 };
     case Orientation::RightBottom: return { lastRow + width - 1, -width, -1 };
     case Orientation::LeftBottom: return { lastRow, -width, 1 };
-    default: return { first, width, 1 };
+    }
+    return { first, 1, width };
+}
+
+// Lays `count` stored rows, of which the first is row `top`, where they belong. Column by column, because
+// the few rows stay in the cache while the picture's lines do not.
+void PlaceColumns(const Pixel* rows, std::ptrdiff_t width, std::ptrdiff_t top, int count, const Places& to)
+{
+    for (std::ptrdiff_t x = 0; x < width; ++x) {
+        Pixel* column = to.origin + x * to.alongX + top * to.alongY;
+        for (const Pixel* from = rows + x; from < rows + count * width; from += width, column += to.alongY)
+            *column = *from;
     }
 }
 
-// Square by square, so that the lines of both pictures that a square touches stay in the cache.
+void PlaceRows(const Pixel* rows, std::ptrdiff_t width, std::ptrdiff_t top, int count, const Places& to)
+{
+    for (std::ptrdiff_t y = top; y < top + count; ++y, rows += width) {
+        Pixel* const first = to.origin + y * to.alongY;
+        if (to.alongX > 0)
+            std::copy(rows, rows + width, first);
+        else
+            std::reverse_copy(rows, rows + width, first - (width - 1));
+    }
+}
+
 Bitmap ExchangeSides(const Bitmap& stored, Orientation orientation)
 {
-    constexpr int kSquare = 16;
     Bitmap turned = Bitmap::Uninitialised(stored.Height(), stored.Width());
     turned.Opaque(stored.Opaque());
-    const Exchange to = ExchangeFor(turned, orientation);
-    const auto* const from = reinterpret_cast<const Pixel*>(stored.Row(0));
-    const std::ptrdiff_t stride = stored.Width();
-    for (int top = 0; top < stored.Height(); top += kSquare) {
-        const int bottom = std::min(top + kSquare, stored.Height());
-        for (int left = 0; left < stored.Width(); left += kSquare) {
-            const int right = std::min(left + kSquare, stored.Width());
-            for (int x = left; x < right; ++x) {
-                Pixel* const column = to.origin + x * to.alongX;
-                for (int y = top; y < bottom; ++y)
-                    column[y * to.alongY] = from[y * stride + x];
-            }
-        }
+    const Places to = PlacesIn(Pixels(turned), turned.Width(), turned.Height(), orientation);
+    for (int top = 0; top < stored.Height(); top += kStrip) {
+        const int count = std::min(kStrip, stored.Height() - top);
+        PlaceColumns(reinterpret_cast<const Pixel*>(stored.Row(top)), stored.Width(), top, count, to);
     }
     return turned;
 }
@@ -109,6 +125,41 @@ Bitmap Upright(Bitmap stored, Orientation orientation)
     case Orientation::BottomLeft: return SwapRows(std::move(stored));
     default: return ExchangeSides(stored, orientation);
     }
+}
+
+UprightRows::UprightRows(int storedWidth, int storedHeight, Orientation orientation)
+    : orientation(orientation)
+    , storedWidth(storedWidth)
+    , storedHeight(storedHeight)
+    , picture(SwapsSides(orientation) ? Bitmap::Uninitialised(storedHeight, storedWidth)
+                                      : Bitmap::Uninitialised(storedWidth, storedHeight))
+    , pixels(picture.Writable())
+{
+    if (orientation != Orientation::TopLeft)
+        strip.resize(static_cast<std::size_t>(storedWidth) * Bitmap::kBytesPerPixel * kStrip);
+}
+
+std::uint8_t* UprightRows::Next() noexcept
+{
+    const std::size_t stride = static_cast<std::size_t>(storedWidth) * Bitmap::kBytesPerPixel;
+    return strip.empty() ? pixels + stride * static_cast<std::size_t>(done)
+                         : strip.data() + stride * static_cast<std::size_t>(held);
+}
+
+void UprightRows::Written(int count) noexcept
+{
+    if (strip.empty()) {
+        done += count;
+        return;
+    }
+    held += count;
+    if (held + kAtOnce <= kStrip && done + held < storedHeight)
+        return;
+    const auto* const rows = reinterpret_cast<const Pixel*>(strip.data());
+    auto* const first = reinterpret_cast<Pixel*>(pixels);
+    const Places to = PlacesIn(first, picture.Width(), picture.Height(), orientation);
+    (SwapsSides(orientation) ? PlaceColumns : PlaceRows)(rows, storedWidth, done, held, to);
+    done += std::exchange(held, 0);
 }
 
 } // namespace veltrane::codecs

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <cstdint>
+#include <utility>
+#include <vector>
+
 #include "platform/codecs/Bitmap.h"
 
 namespace veltrane::codecs {
@@ -26,5 +30,34 @@ enum class Orientation {
 /// The picture turned upright; the same one when it stands so already.
 /// Raises OutOfMemoryException when the turned copy does not fit.
 [[nodiscard]] Bitmap Upright(Bitmap stored, Orientation orientation);
+
+/// Builds the upright picture from stored rows as they are decoded, so that the stored picture never exists
+/// as a whole.
+class UprightRows {
+public:
+    static constexpr int kAtOnce = 16;
+
+    /// For a stored picture of this size. Raises OutOfMemoryException when its pixels do not fit.
+    UprightRows(int storedWidth, int storedHeight, Orientation orientation);
+
+    /// Where to write the next stored rows, RGBA without padding: room for kAtOnce, or for all that are left
+    /// when they are fewer.
+    [[nodiscard]] std::uint8_t* Next() noexcept;
+
+    /// Takes the `count` rows that were written there, at most kAtOnce.
+    void Written(int count) noexcept;
+
+    /// The picture, once all rows are written; not opaque.
+    [[nodiscard]] Bitmap Take() noexcept { return std::move(picture); }
+
+private:
+    Orientation orientation;
+    int storedWidth, storedHeight;
+    int done = 0; // stored rows that lie in the picture
+    int held = 0; // behind them, stored rows that lie in the strip
+    Bitmap picture;
+    std::uint8_t* pixels; // of `picture`
+    std::vector<std::uint8_t> strip; // empty when rows go straight into the picture
+};
 
 } // namespace veltrane::codecs

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <utility>
 #include <vector>
 
 #include "platform/Exceptions.h"
@@ -21,46 +20,44 @@ Transform FromProfile(const Reader& reader, Samples from)
     return profile.empty() ? nullptr : ColourTransform::FromProfile(profile, from);
 }
 
-// Straight into the picture; with a transform, each few rows are converted while they are in the cache.
-void DecodeColour(Reader& reader, Bitmap& picture)
+// Straight into the layout of pictures; with a transform, each few rows are converted while they are in the
+// cache.
+void DecodeColour(Reader& reader, UprightRows& picture)
 {
     const Transform transform
         = reader.Stored() == Kind::Colour ? FromProfile(reader, Samples::Rgba8) : nullptr;
-    const std::size_t stride = picture.Stride();
-    std::uint8_t* rows = picture.Writable();
+    const auto width = static_cast<std::size_t>(reader.Width());
     reader.Start(Layout::Rgba);
-    for (int y = 0; y < picture.Height();) {
-        const int count = reader.Rows(rows, stride, picture.Height() - y);
-        const std::size_t pixels
-            = static_cast<std::size_t>(count) * static_cast<std::size_t>(picture.Width());
+    for (int left = reader.Height(); left > 0;) {
+        std::uint8_t* const rows = picture.Next();
+        const int count
+            = reader.Rows(rows, width * Bitmap::kBytesPerPixel, std::min(left, UprightRows::kAtOnce));
         if (transform)
-            transform->Apply(rows, rows, pixels);
-        rows += pixels * Bitmap::kBytesPerPixel;
-        y += count;
+            transform->Apply(rows, rows, width * static_cast<std::size_t>(count));
+        picture.Written(count);
+        left -= count;
     }
 }
 
 // Samples of another layout, converted a few rows at a time.
-void DecodeThrough(Reader& reader, const ColourTransform& transform, Layout layout, Bitmap& picture)
+void DecodeThrough(Reader& reader, const ColourTransform& transform, Layout layout, UprightRows& picture)
 {
-    constexpr int kAtOnce = 16;
-    const auto width = static_cast<std::size_t>(picture.Width());
+    const auto width = static_cast<std::size_t>(reader.Width());
     const std::size_t stride = layout == Layout::Cmyk ? 4 * width : width;
     const bool invert = layout == Layout::Cmyk && reader.InvertedInks();
-    std::vector<std::uint8_t> strip(stride * kAtOnce);
-    std::uint8_t* rows = picture.Writable();
+    std::vector<std::uint8_t> strip(stride * UprightRows::kAtOnce);
     reader.Start(layout);
-    for (int y = 0; y < picture.Height();) {
-        const int count = reader.Rows(strip.data(), stride, std::min(kAtOnce, picture.Height() - y));
+    for (int left = reader.Height(); left > 0;) {
+        const int count = reader.Rows(strip.data(), stride, std::min(left, UprightRows::kAtOnce));
         if (invert)
             std::ranges::for_each(strip, [](std::uint8_t& v) { v = static_cast<std::uint8_t>(~v); });
-        transform.Apply(strip.data(), rows, width * static_cast<std::size_t>(count));
-        rows += picture.Stride() * static_cast<std::size_t>(count);
-        y += count;
+        transform.Apply(strip.data(), picture.Next(), width * static_cast<std::size_t>(count));
+        picture.Written(count);
+        left -= count;
     }
 }
 
-void DecodePixels(Reader& reader, Bitmap& picture)
+void DecodePixels(Reader& reader, UprightRows& picture)
 {
     if (reader.Stored() == Kind::Inks) {
         const Transform profile = FromProfile(reader, Samples::Cmyk8);
@@ -91,10 +88,11 @@ Bitmap Decode(Bytes file, const Limits& limits)
 {
     try {
         Reader reader(file, limits);
-        Bitmap picture = Bitmap::Uninitialised(reader.Width(), reader.Height());
+        UprightRows rows(reader.Width(), reader.Height(), reader.Segments().Turn());
+        DecodePixels(reader, rows);
+        Bitmap picture = rows.Take();
         picture.Opaque(true);
-        DecodePixels(reader, picture);
-        return Upright(std::move(picture), reader.Segments().Turn());
+        return picture;
     } catch (const std::bad_alloc&) {
         throw OutOfMemoryException("mémoire insuffisante pour cette image");
     }

@@ -100,10 +100,7 @@ void Reader::Library::ReadHeader(Bytes file)
 
 void Reader::Library::CheckSize(const Limits& limits) const
 {
-    const std::int64_t pixels = std::int64_t { jpeg.image_width } * jpeg.image_height;
-    const bool needsCopy = SwapsSides(metadata.Turn());
-    const std::int64_t copy = needsCopy ? pixels * static_cast<std::int64_t>(Bitmap::kBytesPerPixel) : 0;
-    limits.Check(jpeg.image_width, jpeg.image_height, Scans::WorkingBytes(jpeg) + copy);
+    limits.Check(jpeg.image_width, jpeg.image_height, Scans::WorkingBytes(jpeg));
     constexpr std::array kRead { JCS_GRAYSCALE, JCS_YCbCr, JCS_RGB, JCS_CMYK, JCS_YCCK };
     if (std::ranges::find(kRead, jpeg.jpeg_color_space) == kRead.end())
         throw UnsupportedFormatException(
