@@ -67,8 +67,11 @@ const File& Photo()
 File With(std::uint8_t marker, std::string_view head, const File& data)
 {
     const std::size_t size = 2 + head.size() + data.size();
-    File file { 0xFF, 0xD8, 0xFF, marker, static_cast<std::uint8_t>(size >> 8),
-        static_cast<std::uint8_t>(size) };
+    File file;
+    file.reserve(4 + size + Photo().size());
+    for (const std::size_t byte : { std::size_t { 0xFF }, std::size_t { 0xD8 }, std::size_t { 0xFF },
+             std::size_t { marker }, size >> 8, size & 0xFF })
+        file.push_back(static_cast<std::uint8_t>(byte));
     file.insert(file.end(), head.begin(), head.end());
     file.insert(file.end(), data.begin(), data.end());
     file.insert(file.end(), Photo().begin() + 2, Photo().end());

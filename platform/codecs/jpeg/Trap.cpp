@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <utility>
 
 #include <jpeglib.h>
 
@@ -43,9 +42,8 @@ jpeg_error_mgr* Trap::Errors() noexcept
     return manager.get();
 }
 
-void Trap::Leave(std::exception_ptr reason) noexcept
+void Trap::Leave() noexcept
 {
-    thrown = std::move(reason);
     std::longjmp(back, 1);
 }
 

@@ -3,6 +3,7 @@
 #include <csetjmp>
 #include <exception>
 #include <memory>
+#include <utility>
 
 struct jpeg_error_mgr;
 
@@ -21,7 +22,7 @@ public:
     [[nodiscard]] jpeg_error_mgr* Errors() noexcept;
 
     /// Runs `step`, which calls the library and has nothing to destroy. Raises what the library reports:
-    /// UnsupportedFormatException, OutOfBoundsException or OutOfMemoryException; and what Leave was given.
+    /// UnsupportedFormatException, OutOfBoundsException or OutOfMemoryException; and what was kept.
     template<class Step>
     void Run(Step step)
     {
@@ -31,8 +32,12 @@ public:
             Raise();
     }
 
-    /// From a callback of the library: ends Run with the exception, once no frame below needs destroying.
-    [[noreturn]] void Leave(std::exception_ptr reason) noexcept;
+    /// Keeps an exception that a callback of the library has caught, for Leave.
+    void Keep(std::exception_ptr caught) noexcept { thrown = std::move(caught); }
+
+    /// From a callback of the library: ends Run with the kept exception. No frame below may have anything
+    /// left to destroy.
+    [[noreturn]] void Leave() noexcept;
 
     /// From a callback of the library: ends Run because pixels cannot be decoded.
     [[noreturn]] void LeaveDamaged() noexcept;

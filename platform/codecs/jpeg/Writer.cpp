@@ -41,14 +41,15 @@ struct Writer::Library {
 // Called from inside the library, which no exception may pass through.
 void Writer::Library::Flush(std::size_t bytes) noexcept
 {
-    std::exception_ptr failure;
+    bool failed = false;
     try {
         sink.Write(Bytes(buffer).first(bytes));
     } catch (...) {
-        failure = std::current_exception();
+        trap.Keep(std::current_exception());
+        failed = true;
     }
-    if (failure)
-        trap.Leave(std::move(failure));
+    if (failed)
+        trap.Leave();
 }
 
 Writer::Library::Library(Sink& sink) : sink(sink)
