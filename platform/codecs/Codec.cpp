@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/codecs/gif/Gif.h"
 #include "platform/codecs/jpeg/Jpeg.h"
 #include "platform/codecs/pict/Pict.h"
 #include "platform/codecs/png/Png.h"
@@ -16,6 +17,7 @@ namespace {
 constexpr std::array kCodecs {
     &kJpeg,
     &kPng,
+    &kGif,
     &kPict,
 };
 

@@ -1,0 +1,156 @@
+#include "platform/codecs/gif/Gif.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include "platform/Exceptions.h"
+#include "platform/codecs/gif/GifReader.h"
+
+namespace veltrane::codecs {
+
+namespace {
+
+// The frame on its screen: what can be seen of it.
+struct Layout {
+    int screenWidth = 0;
+    int screenHeight = 0;
+    int left = 0;
+    int top = 0;
+    int visibleWidth = 0;
+    int visibleHeight = 0;
+
+    [[nodiscard]] bool CoversScreen() const noexcept
+    {
+        return visibleWidth == screenWidth && visibleHeight == screenHeight;
+    }
+};
+
+Layout LayOut(const GifReader& reader)
+{
+    const GifFrame& frame = reader.Frame();
+    if (frame.width == 0 || frame.height == 0)
+        throw UnsupportedFormatException("image sans aucun pixel");
+    Layout layout { reader.ScreenWidth(), reader.ScreenHeight(), frame.left, frame.top, 0, 0 };
+    if (layout.screenWidth == 0 || layout.screenHeight == 0)
+        layout = { frame.width, frame.height, 0, 0, 0, 0 };
+    layout.visibleWidth = std::clamp(layout.screenWidth - layout.left, 0, frame.width);
+    layout.visibleHeight = std::clamp(layout.screenHeight - layout.top, 0, frame.height);
+    return layout;
+}
+
+// The frame's rows, top row 0, in the order in which the file holds them (GIF 89a, appendix E).
+std::vector<int> RowOrder(const GifFrame& frame)
+{
+    struct Pass {
+        int first, step;
+    };
+    constexpr Pass kPlain[] { { 0, 1 } };
+    constexpr Pass kInterlaced[] { { 0, 8 }, { 4, 8 }, { 2, 4 }, { 1, 2 } };
+    const std::span<const Pass> passes = frame.interlaced ? std::span<const Pass>(kInterlaced) : kPlain;
+    std::vector<int> order;
+    order.reserve(static_cast<std::size_t>(frame.height));
+    for (const Pass& pass : passes) {
+        for (int y = pass.first; y < frame.height; y += pass.step)
+            order.push_back(y);
+    }
+    return order;
+}
+
+// The rows to read for all that can be seen: nothing of the frame is wanted behind them.
+std::vector<int> WantedRows(const GifFrame& frame, const Layout& layout)
+{
+    std::vector<int> order = RowOrder(frame);
+    const auto seen = [&](int y) { return y < layout.visibleHeight; };
+    if (layout.visibleWidth == 0)
+        order.clear();
+    order.erase(std::find_if(order.rbegin(), order.rend(), seen).base(), order.end());
+    return order;
+}
+
+// A frame far larger than its screen is read for nothing; a few bytes can make it gigapixels large.
+void CheckWork(const GifFrame& frame, std::size_t rows, const Layout& layout)
+{
+    constexpr std::int64_t kAlwaysFine = std::int64_t { 1 } << 28;
+    constexpr std::int64_t kMostPerPixel = 8;
+    const std::int64_t work = static_cast<std::int64_t>(rows) * frame.width;
+    const std::int64_t screen = std::int64_t { layout.screenWidth } * layout.screenHeight;
+    if (work > kAlwaysFine && work / kMostPerPixel > screen)
+        throw UnsupportedFormatException("image GIF démesurée par rapport à son écran");
+}
+
+// Gives whether every pixel was opaque.
+bool PaintRow(const std::uint8_t* indices, const GifPalette& palette, std::uint8_t* rgba, int pixels)
+{
+    std::uint32_t common = UINT32_MAX;
+    for (int x = 0; x < pixels; ++x) {
+        const std::uint32_t colour = palette[indices[x]];
+        common &= colour;
+        std::memcpy(rgba + static_cast<std::size_t>(x) * Bitmap::kBytesPerPixel, &colour, sizeof colour);
+    }
+    // Only transparent black has any bit of the alpha clear.
+    std::uint8_t bytes[Bitmap::kBytesPerPixel];
+    std::memcpy(bytes, &common, sizeof common);
+    return bytes[3] == 255;
+}
+
+Bitmap Paint(GifReader& reader, const Layout& layout, const std::vector<int>& rows)
+{
+    const bool covers = layout.CoversScreen();
+    Bitmap picture = covers ? Bitmap::Uninitialised(layout.screenWidth, layout.screenHeight)
+                            : Bitmap::Transparent(layout.screenWidth, layout.screenHeight);
+    const GifPalette palette = reader.Palette();
+    std::vector<std::uint8_t> indices(static_cast<std::size_t>(reader.Frame().width));
+    std::uint8_t* const corner = picture.Writable()
+        + static_cast<std::size_t>(layout.left) * Bitmap::kBytesPerPixel
+        + static_cast<std::size_t>(layout.top) * picture.Stride();
+    bool opaque = covers;
+    for (const int y : rows) {
+        reader.ReadRow(indices.data());
+        if (y < layout.visibleHeight)
+            opaque &= PaintRow(indices.data(), palette,
+                corner + static_cast<std::size_t>(y) * picture.Stride(), layout.visibleWidth);
+    }
+    picture.Opaque(opaque);
+    return picture;
+}
+
+bool Probe(Bytes head) noexcept
+{
+    constexpr std::size_t kSignature = 6;
+    return head.size() >= kSignature
+        && (std::memcmp(head.data(), "GIF87a", kSignature) == 0
+            || std::memcmp(head.data(), "GIF89a", kSignature) == 0);
+}
+
+Info ReadInfo(Bytes file, const Limits& limits)
+{
+    try {
+        const Layout layout = LayOut(GifReader(file));
+        limits.Check(layout.screenWidth, layout.screenHeight);
+        return { layout.screenWidth, layout.screenHeight };
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+    }
+}
+
+Bitmap Decode(Bytes file, const Limits& limits)
+{
+    try {
+        GifReader reader(file);
+        const Layout layout = LayOut(reader);
+        limits.Check(layout.screenWidth, layout.screenHeight);
+        const std::vector<int> rows = WantedRows(reader.Frame(), layout);
+        CheckWork(reader.Frame(), rows.size(), layout);
+        return Paint(reader, layout, rows);
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+    }
+}
+
+} // namespace
+
+const Codec kGif { "GIF", Probe, ReadInfo, Decode, nullptr };
+
+} // namespace veltrane::codecs

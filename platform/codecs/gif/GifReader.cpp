@@ -1,0 +1,164 @@
+#include "platform/codecs/gif/GifReader.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#include <gif_lib.h>
+
+#include "platform/Exceptions.h"
+
+namespace veltrane::codecs {
+
+/// What the library has not read yet.
+struct GifReader::Source {
+    Bytes rest;
+    bool ranDry = false;
+    bool inRows = false;
+
+    // At the file's end while rows are read, a byte that is asked for alone is the length of the next data
+    // block. Zero, "no further block", lets a frame whose pixels are complete end well, and fails one that
+    // still wants data.
+    int Read(std::uint8_t* to, std::size_t wanted) noexcept
+    {
+        if (rest.empty() && inRows && wanted == 1) {
+            ranDry = true;
+            *to = 0;
+            return 1;
+        }
+        const std::size_t given = std::min(wanted, rest.size());
+        ranDry = ranDry || given < wanted;
+        std::copy_n(rest.begin(), given, to);
+        rest = rest.subspan(given);
+        return static_cast<int>(given);
+    }
+
+    static int Callback(GifFileType* gif, GifByteType* to, int wanted) noexcept
+    {
+        return static_cast<Source*>(gif->UserData)->Read(to, static_cast<std::size_t>(std::max(wanted, 0)));
+    }
+};
+
+namespace {
+
+std::uint32_t Pixel(std::uint8_t red, std::uint8_t green, std::uint8_t blue)
+{
+    return std::bit_cast<std::uint32_t>(std::array<std::uint8_t, 4> { red, green, blue, 255 });
+}
+
+// A file without any palette leaves the colours to us, with black and white as the first two (GIF 89a,
+// section 19, "Global Color Table"); the further ones are shades between them.
+GifPalette GreyPalette()
+{
+    GifPalette palette;
+    for (std::size_t i = 0; i < palette.size(); ++i) {
+        const auto shade = static_cast<std::uint8_t>(i);
+        palette[i] = Pixel(shade, shade, shade);
+    }
+    palette[1] = Pixel(255, 255, 255);
+    return palette;
+}
+
+GifPalette Colours(const ColorMapObject& map)
+{
+    GifPalette palette;
+    palette.fill(Pixel(0, 0, 0));
+    const auto count = static_cast<std::size_t>(std::clamp(map.ColorCount, 0, 256));
+    for (std::size_t i = 0; i < count; ++i)
+        palette[i] = Pixel(map.Colors[i].Red, map.Colors[i].Green, map.Colors[i].Blue);
+    return palette;
+}
+
+} // namespace
+
+void GifReader::Closer::operator()(GifFileType* file) const noexcept
+{
+    DGifCloseFile(file, nullptr);
+}
+
+GifReader::GifReader(Bytes file) : source(std::make_unique<Source>())
+{
+    source->rest = file;
+    int error = D_GIF_SUCCEEDED;
+    gif.reset(DGifOpen(source.get(), Source::Callback, &error));
+    if (!gif && error == D_GIF_ERR_NOT_ENOUGH_MEM)
+        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+    if (!gif)
+        Fail();
+    FindFrame();
+}
+
+GifReader::~GifReader() = default;
+
+int GifReader::ScreenWidth() const noexcept
+{
+    return gif->SWidth;
+}
+
+int GifReader::ScreenHeight() const noexcept
+{
+    return gif->SHeight;
+}
+
+GifPalette GifReader::Palette() const
+{
+    const ColorMapObject* const map = gif->Image.ColorMap != nullptr ? gif->Image.ColorMap : gif->SColorMap;
+    GifPalette palette = map != nullptr ? Colours(*map) : GreyPalette();
+    if (transparent >= 0)
+        palette[static_cast<std::size_t>(transparent)] = 0;
+    return palette;
+}
+
+void GifReader::FindFrame()
+{
+    for (GifRecordType type = UNDEFINED_RECORD_TYPE; type != IMAGE_DESC_RECORD_TYPE;) {
+        if (DGifGetRecordType(gif.get(), &type) == GIF_ERROR) {
+            if (gif->Error != D_GIF_ERR_WRONG_RECORD)
+                Fail();
+            type = UNDEFINED_RECORD_TYPE; // a stray byte between blocks
+        } else if (type == EXTENSION_RECORD_TYPE) {
+            ReadExtension();
+        } else if (type == TERMINATE_RECORD_TYPE) {
+            throw UnsupportedFormatException("fichier GIF sans image");
+        }
+    }
+    if (DGifGetImageDesc(gif.get()) == GIF_ERROR)
+        Fail();
+    const GifImageDesc& image = gif->Image;
+    frame = { image.Left, image.Top, image.Width, image.Height, image.Interlace };
+    source->inRows = true;
+}
+
+// A control block speaks of the next picture or plain text, whichever comes first (GIF 89a, section 23).
+void GifReader::ReadExtension()
+{
+    int code = 0;
+    GifByteType* block = nullptr; // its length, then its bytes
+    if (DGifGetExtension(gif.get(), &code, &block) == GIF_ERROR)
+        Fail();
+    if (code == PLAINTEXT_EXT_FUNC_CODE)
+        transparent = -1;
+    GraphicsControlBlock control {};
+    if (code == GRAPHICS_EXT_FUNC_CODE && block != nullptr
+        && DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK)
+        transparent = control.TransparentColor;
+    while (block != nullptr) {
+        if (DGifGetExtensionNext(gif.get(), &block) == GIF_ERROR)
+            Fail();
+    }
+}
+
+void GifReader::ReadRow(std::uint8_t* indices)
+{
+    if (DGifGetLine(gif.get(), indices, frame.width) == GIF_ERROR)
+        Fail();
+}
+
+void GifReader::Fail() const
+{
+    if (gif && gif->Error == D_GIF_ERR_NOT_ENOUGH_MEM)
+        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+    throw UnsupportedFormatException(source->ranDry ? "fichier GIF incomplet" : "fichier GIF endommagé");
+}
+
+} // namespace veltrane::codecs

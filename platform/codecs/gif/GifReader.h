@@ -1,0 +1,66 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "platform/codecs/Bytes.h"
+
+struct GifFileType;
+
+namespace veltrane::codecs {
+
+/// The first frame of a GIF: where it lies on the logical screen and how its rows come.
+struct GifFrame {
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
+    bool interlaced = false;
+};
+
+/// Colours as they lie in a Bitmap's memory, one for each index.
+using GifPalette = std::array<std::uint32_t, 256>;
+
+/// Reads a GIF up to the rows of its first frame. Every failure is raised as UnsupportedFormatException or
+/// OutOfMemoryException; the library's own states stay in here.
+class GifReader {
+public:
+    /// Reads up to the first frame's pixels. `file` must outlive the reader.
+    explicit GifReader(Bytes file);
+    ~GifReader();
+    GifReader(const GifReader&) = delete;
+    GifReader& operator=(const GifReader&) = delete;
+
+    [[nodiscard]] int ScreenWidth() const noexcept;
+    [[nodiscard]] int ScreenHeight() const noexcept;
+    [[nodiscard]] const GifFrame& Frame() const noexcept { return frame; }
+
+    /// The frame's colours: its own, else the file's, else shades of grey. The transparent index is
+    /// transparent black; an index that the palette has not is opaque black.
+    [[nodiscard]] GifPalette Palette() const;
+
+    /// The index that is transparent, or -1.
+    [[nodiscard]] int TransparentIndex() const noexcept { return transparent; }
+
+    /// The frame's next row as it is stored (interlaced ones in the order of their passes): Frame().width
+    /// indices.
+    void ReadRow(std::uint8_t* indices);
+
+private:
+    struct Source;
+    struct Closer {
+        void operator()(GifFileType* gif) const noexcept;
+    };
+
+    void FindFrame();
+    void ReadExtension();
+    [[noreturn]] void Fail() const;
+
+    std::unique_ptr<Source> source;
+    std::unique_ptr<GifFileType, Closer> gif;
+    GifFrame frame;
+    int transparent = -1;
+};
+
+} // namespace veltrane::codecs
