@@ -7,6 +7,7 @@
 #include "platform/codecs/jpeg/Jpeg.h"
 #include "platform/codecs/pict/Pict.h"
 #include "platform/codecs/png/Png.h"
+#include "platform/codecs/tiff/Tiff.h"
 
 namespace veltrane::codecs {
 
@@ -18,6 +19,7 @@ constexpr std::array kCodecs {
     &kJpeg,
     &kPng,
     &kGif,
+    &kTiff,
     &kPict,
 };
 

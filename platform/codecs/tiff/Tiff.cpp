@@ -1,0 +1,86 @@
+#include "platform/codecs/tiff/Tiff.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <utility>
+
+#include "platform/Exceptions.h"
+#include "platform/codecs/tiff/TiffFile.h"
+#include "platform/codecs/tiff/TiffLibrary.h"
+#include "platform/codecs/tiff/TiffPage.h"
+#include "platform/codecs/tiff/TiffPainter.h"
+#include "platform/codecs/tiff/TiffRows.h"
+
+namespace veltrane::codecs {
+
+namespace {
+
+constexpr const char* kNoMemory = "mémoire insuffisante pour cette image";
+
+bool Probe(Bytes head) noexcept
+{
+    using Mark = std::array<std::uint8_t, 4>;
+    constexpr Mark kMarks[] { { 'I', 'I', 42, 0 }, { 'M', 'M', 0, 42 }, { 'I', 'I', 43, 0 },
+        { 'M', 'M', 0, 43 } };
+    return head.size() >= 8
+        && std::ranges::any_of(kMarks, [&](const Mark& m) { return std::ranges::equal(m, head.first(4)); });
+}
+
+// Sides first: everything else is calculated from them.
+void CheckLimits(const TiffFile& file, const TiffPage& page, const Limits& limits)
+{
+    limits.Check(page.width, page.height);
+    const std::int64_t turned = SwapsSides(page.orientation)
+        ? page.width * page.height * std::int64_t { Bitmap::kBytesPerPixel }
+        : 0;
+    limits.Check(page.width, page.height, WorkingBytes(file, page) + turned);
+}
+
+Info ReadInfo(Bytes bytes, const Limits& limits)
+{
+    try {
+        TiffFile file(bytes, limits);
+        const TiffPage page = ReadPage(file);
+        CheckLimits(file, page, limits);
+        return SwapsSides(page.orientation) ? Info { page.height, page.width }
+                                            : Info { page.width, page.height };
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemoryException(kNoMemory);
+    }
+}
+
+Bitmap Paint(TiffFile& file, const TiffPage& page)
+{
+    const auto painter = MakePainter(page);
+    Bitmap picture = Bitmap::Uninitialised(static_cast<int>(page.width), static_cast<int>(page.height));
+    std::uint8_t* const rgba = picture.Writable();
+    const std::size_t stride = picture.Stride();
+    ReadRows(file, page, [&](const TiffRow& row) {
+        painter->Paint(row,
+            rgba + stride * static_cast<std::size_t>(row.y)
+                + Bitmap::kBytesPerPixel * static_cast<std::size_t>(row.x));
+    });
+    picture.Opaque(painter->Opaque());
+    return picture;
+}
+
+Bitmap Decode(Bytes bytes, const Limits& limits)
+{
+    try {
+        TiffFile file(bytes, limits);
+        const TiffPage page = ReadPage(file);
+        CheckLimits(file, page, limits);
+        file.BeginPixels();
+        Bitmap picture = page.colour == TiffColour::Library ? ReadByLibrary(file, page) : Paint(file, page);
+        return Upright(std::move(picture), page.orientation);
+    } catch (const std::bad_alloc&) {
+        throw OutOfMemoryException(kNoMemory);
+    }
+}
+
+} // namespace
+
+const Codec kTiff { "TIFF", Probe, ReadInfo, Decode, nullptr };
+
+} // namespace veltrane::codecs
