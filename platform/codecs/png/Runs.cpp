@@ -1,20 +1,62 @@
 #include "platform/codecs/png/Runs.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+
+#ifdef __x86_64__
+#include <immintrin.h>
+#endif
 
 namespace veltrane::codecs::png {
 
 namespace {
 
-constexpr std::size_t kWord = 4;
 constexpr std::size_t kShortest = 10; // shorter runs cost as much as their literals, which are the cheapest
+constexpr std::size_t kSeen = 64; // bytes that a mask tells of
 
-bool IsZeroWord(const std::uint8_t* bytes) noexcept
+// A bit for each of the kSeen bytes, the first lowest: whether it is zero.
+struct PortableMask {
+    std::uint64_t operator()(const std::uint8_t* bytes) const noexcept
+    {
+        constexpr std::uint64_t kLow = 0x7F7F'7F7F'7F7F'7F7F;
+        std::uint64_t mask = 0;
+        for (std::size_t i = 0; i < kSeen; i += 8) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, bytes + i, sizeof word);
+            if constexpr (std::endian::native == std::endian::big)
+                word = __builtin_bswap64(word);
+            const std::uint64_t zeros = ~(((word & kLow) + kLow) | word | kLow); // the highest bit of each
+            mask |= (((zeros >> 7) * 0x0102'0408'1020'4080) >> 56) << i;
+        }
+        return mask;
+    }
+};
+
+#ifdef __x86_64__
+struct Avx2Mask {
+    [[gnu::target("avx2")]] std::uint64_t operator()(const std::uint8_t* bytes) const noexcept
+    {
+        const auto half = [bytes](std::size_t at) __attribute__((target("avx2")))
+        {
+            __m256i lanes;
+            std::memcpy(&lanes, bytes + at, sizeof lanes);
+            return static_cast<std::uint32_t>(
+                _mm256_movemask_epi8(_mm256_cmpeq_epi8(lanes, _mm256_setzero_si256())));
+        };
+        return half(0) | std::uint64_t { half(32) } << 32;
+    }
+};
+#endif
+
+// The bits that begin kShortest set ones.
+std::uint64_t Beginnings(std::uint64_t mask) noexcept
 {
-    std::uint32_t word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-    return word == 0;
+    static_assert(kShortest == 10);
+    mask &= mask >> 1;
+    mask &= mask >> 2;
+    mask &= mask >> 4;
+    return mask & mask >> 2;
 }
 
 using Lanes = std::uint8_t __attribute__((vector_size(32)));
@@ -34,12 +76,12 @@ public:
                 CountSome(bytes);
         }
         for (std::size_t i = 0; i < count; ++i)
-            ++exact[bytes[i]];
+            ++exact[i % 2][bytes[i]];
     }
     void AddTo(Block& block) const noexcept
     {
         for (std::size_t i = 0; i < 256; ++i) {
-            std::uint32_t count = exact[i];
+            std::uint32_t count = exact[0][i] + exact[1][i];
             if (static_cast<std::uint8_t>(i + kNear) > 2 * kNear)
                 count += far[0][i] + far[1][i];
             else if (sampled)
@@ -68,9 +110,8 @@ private:
     }
 
     bool sampled = false;
-    Table exact {};
     std::array<Table, 4> some {};
-    std::array<Table, 2> far {};
+    std::array<Table, 2> exact {}, far {};
 };
 
 // Adds the zeros from `start` to `end` as matches at distance 1, which repeat the byte before them; the
@@ -88,27 +129,27 @@ std::size_t AddRun(Block& block, std::size_t from, std::size_t start, std::size_
     return start;
 }
 
-[[gnu::always_inline]] inline void Find(Bytes bytes, Block& block)
+template<class ZeroMask>
+[[gnu::always_inline]] inline void Find(Bytes bytes, Block& block, ZeroMask zeroMask)
 {
     block.Clear();
     Counter counter;
     const std::uint8_t* const data = bytes.data();
     std::size_t from = 0; // where the literals not yet in a sequence begin
-    for (std::size_t i = 0; i + kWord <= bytes.size();) {
-        if (!IsZeroWord(data + i)) {
-            i += kWord;
+    for (std::size_t i = 0; i + kSeen <= bytes.size();) {
+        const std::uint64_t mask = zeroMask(data + i), beginnings = Beginnings(mask);
+        if (beginnings == 0) {
+            i += kSeen - kShortest + 1;
             continue;
         }
-        std::size_t start = i, end = i + kWord;
-        while (start > from && data[start - 1] == 0)
-            --start;
-        while (end < bytes.size() && data[end] == 0)
-            ++end;
-        i = end;
-        if (end - start < kShortest)
-            continue;
+        const int first = std::countr_zero(beginnings);
+        const int length = std::countr_one(mask >> first);
+        const std::size_t start = i + static_cast<std::size_t>(first);
+        i = start + static_cast<std::size_t>(length);
+        while (first + length == kSeen && i < bytes.size() && data[i] == 0)
+            ++i;
         counter.Count(data + from, start + 1 - from);
-        from = AddRun(block, from, start, end);
+        from = AddRun(block, from, start, i);
     }
     counter.Count(data + from, bytes.size() - from);
     block.AddEnd(static_cast<std::uint32_t>(bytes.size() - from));
@@ -118,7 +159,7 @@ std::size_t AddRun(Block& block, std::size_t from, std::size_t start, std::size_
 #ifdef __x86_64__
 [[gnu::target("avx2")]] void FindAvx2(Bytes bytes, Block& block)
 {
-    Find(bytes, block);
+    Find(bytes, block, Avx2Mask {});
 }
 #endif
 
@@ -131,7 +172,7 @@ void FindRuns(Bytes bytes, Block& block)
     if (hasAvx2)
         return FindAvx2(bytes, block);
 #endif
-    Find(bytes, block);
+    Find(bytes, block, PortableMask {});
 }
 
 } // namespace veltrane::codecs::png
