@@ -192,25 +192,25 @@ private:
     std::array<std::uint16_t, 19> codes {};
 };
 
-// Code and length in one number: a table of 1 KiB for the bytes.
-using Entries = std::array<std::uint32_t, 256>;
-
-Entries MakeEntries(const Code& code)
-{
-    Entries entries;
-    for (std::size_t i = 0; i < entries.size(); ++i)
-        entries[i] = code.literalCodes[i] | std::uint32_t { code.literalLengths[i] } << 16;
-    return entries;
-}
+// Side by side, 1.3 KiB: two loads cost less than taking one number apart.
+struct Entries {
+    explicit Entries(const Code& code)
+    {
+        std::copy_n(code.literalCodes.begin(), codes.size(), codes.begin());
+        std::copy_n(code.literalLengths.begin(), lengths.size(), lengths.begin());
+    }
+    std::array<std::uint32_t, 256> codes;
+    std::array<std::uint8_t, 256> lengths;
+};
 
 // Two codes are joined before they meet the stream: the chain of shifts through it is half as long.
 [[gnu::always_inline]] inline void WriteLiterals(
     BitWriter& to, const Entries& entries, const std::uint8_t* bytes, std::size_t count)
 {
     const auto pair = [&](std::size_t i, unsigned& bits) {
-        const std::uint32_t a = entries[bytes[i]], b = entries[bytes[i + 1]];
-        bits = (a >> 16) + (b >> 16);
-        return std::uint64_t { a & 0xFFFF } | std::uint64_t { b & 0xFFFF } << (a >> 16);
+        const std::uint8_t a = bytes[i], b = bytes[i + 1];
+        bits = static_cast<unsigned>(entries.lengths[a]) + entries.lengths[b];
+        return entries.codes[a] | std::uint64_t { entries.codes[b] } << entries.lengths[a];
     };
     for (; count >= 4; count -= 4, bytes += 4) {
         static_assert(3 * 14 + 14 <= BitWriter::kBetweenFlushes);
@@ -220,7 +220,7 @@ Entries MakeEntries(const Code& code)
         to.Flush();
     }
     for (; count > 0; --count, ++bytes) {
-        to.Put(entries[*bytes] & 0xFFFF, entries[*bytes] >> 16);
+        to.Put(entries.codes[*bytes], entries.lengths[*bytes]);
         to.Flush();
     }
 }
@@ -238,7 +238,7 @@ Entries MakeEntries(const Code& code)
 [[gnu::always_inline]] inline void WriteAll(
     BitWriter& stream, const Code& code, const Block& block, const std::uint8_t* bytes)
 {
-    const Entries entries = MakeEntries(code);
+    const Entries entries(code);
     BitWriter to = stream; // nobody else's memory, so that it lives in registers
     for (const Sequence& sequence : block.sequences) {
         WriteLiterals(to, entries, bytes, sequence.literals);
