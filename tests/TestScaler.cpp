@@ -1,0 +1,114 @@
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/Scaler.h"
+#include "tests/Naming.h"
+
+using namespace veltrane;
+using codecs::Bitmap;
+
+namespace {
+
+enum class Alpha { Opaque, OpaqueUnsaid, Mixed };
+
+struct Row {
+    const char* name;
+    int width, height;
+    SourceArea area;
+    int targetWidth, targetHeight;
+    Alpha alpha = Alpha::Opaque;
+};
+
+Bitmap Noise(const Row& row)
+{
+    Bitmap picture = Bitmap::Uninitialised(row.width, row.height);
+    std::mt19937 random(7);
+    std::uint8_t* const pixels = picture.Writable();
+    for (std::size_t i = 0; i < picture.Stride() * static_cast<std::size_t>(row.height); ++i)
+        pixels[i] = i % 4 == 3 && row.alpha != Alpha::Mixed ? 255 : static_cast<std::uint8_t>(random());
+    picture.Opaque(row.alpha == Alpha::Opaque);
+    return picture;
+}
+
+// The length that [from, to) shares with pixel `at`.
+double Shared(double from, double to, int at)
+{
+    return std::max(0.0, std::min(to, at + 1.0) - std::max(from, static_cast<double>(at)));
+}
+
+// The average of what one target pixel covers, each source pixel of the whole picture asked for its share.
+std::array<double, 4> Average(const Bitmap& source, const SourceArea& covered)
+{
+    std::array<double, 4> sum {};
+    for (int y = 0; y < source.Height(); ++y) {
+        const double down = Shared(covered.y, covered.y + covered.height, y);
+        for (int x = 0; down > 0 && x < source.Width(); ++x) {
+            const double share = down * Shared(covered.x, covered.x + covered.width, x);
+            const std::uint8_t* const pixel = source.Row(y) + x * 4;
+            for (std::size_t c = 0; c < 3; ++c)
+                sum[c] += share * pixel[c] * pixel[3] / 255.0;
+            sum[3] += share * pixel[3];
+        }
+    }
+    for (double& channel : sum)
+        channel /= covered.width * covered.height;
+    return sum;
+}
+
+class Scaler : public testing::TestWithParam<Row> { };
+
+constexpr Row kRows[] = {
+    { "whole_ratio", 12, 8, { 0, 0, 12, 8 }, 3, 4 },
+    { "odd_ratio", 37, 23, { 0, 0, 37, 23 }, 7, 5 },
+    { "barely_smaller", 20, 20, { 0, 0, 20, 20 }, 19, 19 },
+    { "same_size", 9, 9, { 0, 0, 9, 9 }, 9, 9 },
+    { "larger", 5, 3, { 0, 0, 5, 3 }, 13, 7 },
+    { "wide_and_flat", 50, 4, { 0, 0, 50, 4 }, 8, 9 },
+    { "one_pixel_result", 31, 17, { 0, 0, 31, 17 }, 1, 1 },
+    { "one_pixel_source", 1, 1, { 0, 0, 1, 1 }, 4, 2 },
+    { "part_on_pixel_edges", 30, 20, { 3, 5, 11, 7 }, 4, 3 },
+    { "part_inside_pixels", 30, 20, { 3.3, 5.6, 11.9, 7.2 }, 4, 3 },
+    { "part_at_the_far_corner", 30, 20, { 19.5, 12.25, 10.5, 7.75 }, 3, 3 },
+    { "rows_beyond_a_16_bit_sum", 3, 1200, { 0, 0, 3, 1200 }, 1, 2 },
+    { "several_strips", 20000, 3, { 0, 0, 20000, 3 }, 37, 2 },
+    { "span_wider_than_a_strip", 20000, 3, { 0, 0, 20000, 3 }, 2, 1 },
+    { "mixed_alpha", 41, 29, { 0, 0, 41, 29 }, 6, 5, Alpha::Mixed },
+    { "mixed_alpha_part", 41, 29, { 1.5, 2.5, 30, 20 }, 6, 5, Alpha::Mixed },
+    { "opaque_unsaid", 41, 29, { 0, 0, 41, 29 }, 6, 5, Alpha::OpaqueUnsaid },
+};
+
+} // namespace
+
+TEST_P(Scaler, IsTheExactAverage)
+{
+    const Row& row = GetParam();
+    const Bitmap source = Noise(row);
+    // Two bytes more to a row than it holds, which must stay as they were.
+    const std::size_t stride = static_cast<std::size_t>(row.targetWidth) * 4 + 2;
+    std::vector<std::uint8_t> pixels(stride * static_cast<std::size_t>(row.targetHeight), 0xA5);
+    ScaleByArea(source, row.area, { pixels.data(), row.targetWidth, row.targetHeight, stride });
+
+    // Half a step of rounding; where alpha mixes, another half for the premultiplied bytes.
+    const double tolerance = row.alpha == Alpha::Mixed ? 1.001 : 0.501;
+    const double width = row.area.width / row.targetWidth;
+    const double height = row.area.height / row.targetHeight;
+    for (int y = 0; y < row.targetHeight; ++y) {
+        const std::uint8_t* const out = pixels.data() + static_cast<std::size_t>(y) * stride;
+        for (int x = 0; x < row.targetWidth; ++x) {
+            const auto exact
+                = Average(source, { row.area.x + x * width, row.area.y + y * height, width, height });
+            for (std::size_t c = 0; c < 4; ++c)
+                ASSERT_NEAR(out[static_cast<std::size_t>(x) * 4 + c], exact[c], tolerance)
+                    << "at " << x << ", " << y << " channel " << c;
+        }
+        EXPECT_EQ(out[stride - 2], 0xA5);
+        EXPECT_EQ(out[stride - 1], 0xA5);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Areas, Scaler, testing::ValuesIn(kRows), tests::kByName);
