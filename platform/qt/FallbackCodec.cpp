@@ -2,10 +2,10 @@
 #include <QColorSpace>
 #include <QGuiApplication>
 #include <QImageReader>
+#include <algorithm>
+#include <climits>
 #include <cstring>
-#include <memory>
-#include <mutex>
-#include <utility>
+#include <new>
 
 #include "platform/Exceptions.h"
 #include "platform/codecs/Codec.h"
@@ -41,10 +41,28 @@ void ProvideApplication()
     static int count = 3;
     static char name[] = "Veltrane", option[] = "-platform", platform[] = "offscreen";
     static char* arguments[] = { name, option, platform, nullptr };
-    static std::unique_ptr<QGuiApplication> application;
+    // Never ended: at exit, Qt's own statics would be gone before it.
     if (QCoreApplication::instance() == nullptr)
-        application = std::make_unique<QGuiApplication>(count, arguments);
+        (void)new QGuiApplication(count, arguments);
 }
+
+// Notes when somebody asks for more than there is.
+class Source final : public QBuffer {
+public:
+    using QBuffer::QBuffer;
+    [[nodiscard]] bool RanOut() const noexcept { return ranOut; }
+
+protected:
+    qint64 readData(char* to, qint64 most) override
+    {
+        const qint64 got = QBuffer::readData(to, most);
+        ranOut = ranOut || got < most;
+        return got;
+    }
+
+private:
+    bool ranOut = false;
+};
 
 // A reader over bytes that are not copied.
 class Reader {
@@ -55,18 +73,24 @@ public:
         , buffer(&bytes)
     {
         ProvideApplication();
-        buffer.open(QIODevice::ReadOnly);
+        buffer.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
         reader.setDevice(&buffer);
         reader.setDecideFormatFromContent(true);
         reader.setAutoTransform(true);
+        format = reader.format(); // which the reader no longer tells once it has read
     }
     QImageReader* operator->() noexcept { return &reader; }
+
+    // Whether the file ended in the middle of the pixels. Asked of the plugin that reads just what it needs
+    // and takes a file cut short for a picture whose rest is black.
+    [[nodiscard]] bool CutShort() const { return format == "bmp" && buffer.RanOut(); }
 
 private:
     const Quiet quiet;
     QByteArray bytes;
-    QBuffer buffer;
+    Source buffer;
     QImageReader reader;
+    QByteArray format;
 };
 
 bool Probe(Bytes head) noexcept
@@ -100,7 +124,7 @@ QImage Read(Reader& reader, const Limits& limits)
     QImageReader::setAllocationLimit(
         static_cast<int>(std::clamp<std::int64_t>(limits.maxBytes / 2 / kMegabyte, 1, INT_MAX)));
     QImage image = reader->read();
-    if (image.isNull())
+    if (image.isNull() || reader.CutShort())
         throw UnsupportedFormatException("fichier endommagé ou incomplet");
     limits.Check(image.width(), image.height());
     if (image.colorSpace().isValid() && image.colorSpace() != QColorSpace(QColorSpace::SRgb))

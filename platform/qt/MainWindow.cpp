@@ -5,6 +5,8 @@
 #include <QLayout>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
+#include <QStyle>
 #include <QUrl>
 #include <algorithm>
 
@@ -58,16 +60,23 @@ void MainWindow::TakeSizeOfWindow()
     BoundSize();
     const bool free = (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) == 0;
     if (free) {
-        const QSize wanted = form.InPixels(window.Width(), window.Height());
-        resize(wanted + QSize(0, menuBar()->sizeHint().height()));
-        // Now the layout tells what the frame around the content takes.
-        layout()->activate();
-        resize(size() + wanted - form.size());
-        layout()->activate();
+        SizeContent(form.InPixels(window.Width(), window.Height()));
     }
     if (!window.Resizeable())
         setFixedSize(size());
     form.FollowSize();
+}
+
+// No larger than the screen has room for, where a large font or scale would ask for more.
+void MainWindow::SizeContent(QSize wanted)
+{
+    resize(wanted + QSize(0, menuBar()->sizeHint().height()));
+    // Now the layout tells what the frame around the content takes.
+    layout()->activate();
+    const QSize whole = size() + wanted - form.size();
+    const QSize decoration(0, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this));
+    resize(whole.boundedTo(screen()->availableSize() - decoration));
+    layout()->activate();
 }
 
 void MainWindow::BoundSize()

@@ -29,6 +29,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    void SizeContent(QSize wanted);
     void BoundSize();
     void ShowButtons();
 

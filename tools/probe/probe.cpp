@@ -8,6 +8,9 @@
 #include "platform/Exceptions.h"
 #include "platform/Picture.h"
 #include "tools/probe/Sha256.h"
+#ifdef VELTRANE_QT
+#include "platform/qt/QtToolkit.h"
+#endif
 
 using namespace veltrane;
 
@@ -39,6 +42,9 @@ void Probe(const std::string& path, const std::string& rgba)
 
 int main(int count, char** arguments)
 {
+#ifdef VELTRANE_QT
+    RegisterQtFallback();
+#endif
     std::vector<std::string> files(arguments + 1, arguments + count);
     std::string folder;
     if (files.size() >= 2 && files.front() == "--rgba") {
