@@ -116,6 +116,8 @@ private:
         std::uint8_t* end = room;
         for (int y = from; y < to; ++y) {
             PackRow(form, picture.Row(y), current.Data(), width);
+            // Filters look a little behind the row: what they see there must not depend on the processor.
+            std::memset(current.Data() + rowBytes, 0, kRowMargin);
             Filter filter = kNone;
             if (likeness == Likeness::Residues)
                 filter = BestFilter(current.Data(), above.Data(), rowBytes, form.Step());

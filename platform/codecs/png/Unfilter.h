@@ -26,7 +26,7 @@ void Unfilter(
     Filter filter, std::uint8_t* row, const std::uint8_t* above, std::size_t bytes, std::size_t step);
 
 /// How many rows UnfilterBand undoes at a time.
-constexpr int kBandRows = 4;
+constexpr int kBandRows = 8;
 
 /// Undoes the filters of kBandRows rows of RGB (`step` 3, alpha becomes 255) or RGBA (`step` 4) and writes
 /// them as RGBA. `rows`: the filtered rows, filter bytes included, one behind the other, followed by 4
