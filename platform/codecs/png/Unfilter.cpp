@@ -75,7 +75,7 @@ class Wavefront {
 public:
     [[gnu::always_inline]] Wavefront(const std::uint8_t* rows, std::size_t step, const std::uint8_t* above,
         std::uint8_t* rgba, std::size_t width)
-        : step(step), width(width), above(above)
+        : width(width), above(above)
     {
         for (std::size_t k = 0; k < kRows; ++k) {
             const std::uint8_t* const row = rows + k * (1 + step * width);
@@ -168,7 +168,7 @@ private:
     Pixels sub {}, up {}, average {}, paeth {};
     Pixels out {};
     Lanes aboveLeft {};
-    std::size_t step, width;
+    std::size_t width;
     const std::uint8_t* above;
     std::array<const std::uint8_t*, kRows> from {};
     std::array<std::uint8_t*, kRows> to {};
