@@ -54,6 +54,10 @@ constexpr Case kBitmaps[] = {
     { "StillVideo", "quicktime-road-pizza", "2(rrrr..## )2(rrrr##.. )b7g 3(gggg.... )" },
     { "StillCinepak", "quicktime-cinepak", "2(..##rrrr )2(##..rrrr )2(#.#...## )2(#.#.##.. )" },
     { "StillAnimation", "quicktime-animation", "rrg #b." },
+    { "StillOfAnotherCodecOnPaper", "quicktime-png", kSix },
+    { "StillBmpFromTheLowestRow", "quicktime-bmp-4bit", kSix },
+    { "StillBmpDownwards", "quicktime-bmp-24bit", kSix },
+    { "MessageWithoutAMark", "quicktime-message", kSix },
 };
 
 constexpr Case kModes[] = {
@@ -126,6 +130,8 @@ constexpr Case kMixtures[] = {
     { "AddMin", "mode-add-min", "808080 404040 808080 800000" },
     { "DitherCopyIsACopy", "mode-dither-copy", "808080 404040 ffffff ff0000" },
     { "CopyTakesThePortsColours", "mode-colourised", "ff0000 0000ff 000000 ff00ff" },
+    { "SystemPalette", "quicktime-raw-system", "ffffff ff0000 000000" },
+    { "GreyCountsFromWhite", "quicktime-raw-grey", "ffffff 7f7f7f 000000" },
     { "OldEightColours", "old-colours", "000000 ffffff dd0806 008011 0000d4 02abea f20884 fcf305" },
 };
 

@@ -27,7 +27,7 @@ Placement ReadPlacement(int opcode, ByteReader& in, Point offset, Budget& budget
     const bool masked = opcode == kBitsRgn || opcode == kPackBitsRgn || opcode == kDirectBitsRgn;
     if (direct)
         in.Skip(4); // a base address that means nothing in a file
-    Placement place { ReadPixelMap(in), {}, {}, 0, {} };
+    Placement place { ReadPixelMap(in, direct ? MapKind::Pixels : MapKind::Either), {}, {}, 0, {} };
     if (place.map.blackAndWhite)
         place.map.palette = BlackAndWhitePalette();
     else if (!direct)

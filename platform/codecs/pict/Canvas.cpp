@@ -66,7 +66,7 @@ void Canvas::Fill(const Shape& shape, const Pattern& pattern, const Transfer& tr
     const Rect area = Intersect(shape.Bounds(), visible);
     if (area.Empty())
         return;
-    budget.Charge(std::int64_t { shape.RowCost() } * area.Height());
+    budget.Charge(shape.RowCost() * area.Height());
     Spans row;
     for (int y = area.top; y < area.bottom; ++y) {
         shape.Row(y, row);

@@ -30,18 +30,19 @@ public:
     void Fill(const Shape& shape) { canvas.Fill(shape, pattern, transfer); }
 
 private:
-    static Pattern Choose(int verb, const Port& port)
+    static const Pattern& Choose(int verb, const Port& port)
     {
+        static const Pattern black = Pattern::Black();
         switch (verb) {
         case kErase: return port.backPattern;
-        case kInvert: return Pattern::Black();
+        case kInvert: return black;
         case kFill: return port.fillPattern;
         default: return port.penPattern;
         }
     }
 
     Canvas& canvas;
-    Pattern pattern;
+    const Pattern& pattern;
     Transfer transfer;
 };
 

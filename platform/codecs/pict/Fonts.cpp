@@ -44,14 +44,16 @@ constexpr std::array kKnown = std::to_array<Known>({
 
 Substitute SubstituteFor(const TextStyle& style)
 {
-    const auto same = [&style](const Known& known) {
-        return style.name.empty() ? known.number == style.font : known.name == style.name;
+    const auto named = style.names.find(style.font);
+    const std::string_view name = named == style.names.end() ? std::string_view() : named->second;
+    const auto same = [&style, name](const Known& known) {
+        return name.empty() ? known.number == style.font : known.name == name;
     };
     const auto found = std::ranges::find_if(kKnown, same);
     if (found != kKnown.end())
         return found->substitute;
-    if (!style.name.empty())
-        return { style.name, 0 }; // perhaps this machine has it
+    if (!name.empty())
+        return { name, 0 }; // perhaps this machine has it
     return { "Helvetica", kSans };
 }
 

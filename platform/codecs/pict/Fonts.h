@@ -15,7 +15,8 @@ struct Substitute {
     bool symbols = false; ///< its bytes are Greek letters and signs
 };
 
-/// The substitute for the font that the style names by name or, failing that, by number.
+/// The substitute for the style's font, by the name that the picture gave it or, failing that, by number.
+/// Valid as long as the style.
 /// Source of the numbers: Inside Macintosh: Text, chapter 4, "Font Family IDs".
 [[nodiscard]] Substitute SubstituteFor(const TextStyle& style);
 

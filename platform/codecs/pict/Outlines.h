@@ -34,7 +34,10 @@ public:
     explicit PolygonShape(std::span<const Point> points);
     [[nodiscard]] Rect Bounds() const noexcept override { return bounds; }
     void Row(int y, Spans& row) const override;
-    [[nodiscard]] int RowCost() const noexcept override { return static_cast<int>(corners.size()) + 8; }
+    [[nodiscard]] std::int64_t RowCost() const noexcept override
+    {
+        return static_cast<std::int64_t>(corners.size()) + 8;
+    }
 
 private:
     std::vector<Point> corners;

@@ -51,7 +51,7 @@ Pattern Pattern::Read(ByteReader& in, Budget& budget)
         return { 1, 1, { ReadRgbColor(in) }, true };
     if (type != kOwnPixels)
         return FromBits(old);
-    PixelMap map = ReadPixelMap(in);
+    PixelMap map = ReadPixelMap(in, MapKind::Pixels);
     const int across = map.bounds.Width();
     const int down = map.bounds.Height();
     if (map.bounds.Empty() || across > kLargestSide || down > kLargestSide)

@@ -27,7 +27,7 @@ void ReadPixMapFields(ByteReader& in, PixelMap& map)
     in.Skip(12); // packed size, horizontal and vertical resolution
     in.Skip(2); // pixel type: told by the depth
     map.pixelSize = in.I16();
-    map.components = in.I16();
+    map.components = in.I16() == 4 ? 4 : 3;
     in.Skip(14); // component size, plane offset, table, reserved
 }
 
@@ -36,8 +36,6 @@ void Check(const PixelMap& map)
     constexpr std::array<int, 6> kDepths { 1, 2, 4, 8, 16, 32 };
     if (std::ranges::find(kDepths, map.pixelSize) == kDepths.end())
         throw UnsupportedFormatException("profondeur de pixel PICT inconnue");
-    if (map.pixelSize == 32 && map.components != 3 && map.components != 4)
-        throw UnsupportedFormatException("composantes de pixel PICT inconnues");
     const std::int64_t bits = std::int64_t { map.bounds.Width() } * map.pixelSize;
     if (map.bounds.Empty() || (bits + 7) / 8 > map.rowBytes)
         throw UnsupportedFormatException("dimensions d'image PICT contradictoires");
@@ -58,13 +56,13 @@ bool ValuesAreNumbers(const std::vector<Entry>& entries)
 
 } // namespace
 
-PixelMap ReadPixelMap(ByteReader& in)
+PixelMap ReadPixelMap(ByteReader& in, MapKind kind)
 {
     PixelMap map;
     const int flags = in.U16();
     map.rowBytes = flags & ~kPixMapFlag;
     map.bounds = ReadRect(in);
-    if ((flags & kPixMapFlag) != 0)
+    if (kind == MapKind::Pixels || (flags & kPixMapFlag) != 0)
         ReadPixMapFields(in, map);
     Check(map);
     return map;

@@ -19,9 +19,14 @@ struct PixelMap {
     std::vector<Rgba> palette; ///< 256 colours when the pixels are numbers
 };
 
-/// Reads a BitMap or, when the row bytes have their upper bit set, a PixMap without its base address.
+enum class MapKind {
+    Either, ///< the upper bit of the row bytes tells a PixMap from a BitMap
+    Pixels, ///< a PixMap, whatever that bit says
+};
+
+/// Reads a BitMap or a PixMap without its base address.
 /// Raises UnsupportedFormatException for depths that do not exist and rows too short for their pixels.
-[[nodiscard]] PixelMap ReadPixelMap(ByteReader& in);
+[[nodiscard]] PixelMap ReadPixelMap(ByteReader& in, MapKind kind);
 
 /// Reads a ColorTable: always 256 colours, black where the file names none.
 [[nodiscard]] std::vector<Rgba> ReadColourTable(ByteReader& in);

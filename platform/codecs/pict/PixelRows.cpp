@@ -27,14 +27,10 @@ void FromNumbers(Bytes row, const PixelMap& map, std::span<Rgba> pixels)
     }
 }
 
-// Five bits a component; the upper bits fill the three that are missing, so that 31 becomes 255.
 void FromWords(Bytes row, std::span<Rgba> pixels)
 {
-    const auto widened = [](int five) { return static_cast<std::uint8_t>(five << 3 | five >> 2); };
-    for (std::size_t i = 0; i < pixels.size(); ++i) {
-        const int word = row[2 * i] << 8 | row[2 * i + 1];
-        pixels[i] = MakeRgba(widened(word >> 10 & 31), widened(word >> 5 & 31), widened(word & 31));
-    }
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = FromFiveBits(static_cast<std::uint16_t>(row[2 * i] << 8 | row[2 * i + 1]));
 }
 
 // Red, green and blue side by side, `step` bytes a pixel, the first at `first`.

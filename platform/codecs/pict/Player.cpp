@@ -1,5 +1,8 @@
 #include "platform/codecs/pict/Player.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "platform/codecs/pict/Bits.h"
 #include "platform/codecs/pict/Canvas.h"
 #include "platform/codecs/pict/Drawing.h"
@@ -16,6 +19,8 @@ namespace {
 // QuickTime puts a message behind its image for machines without it, and before the message a pen size
 // that no pen has: this height, and as its width the number of bytes to step over.
 constexpr int kFallbackMark = 0xAE;
+
+constexpr int kOpcodeCost = 16; ///< of the budget, beside what it draws
 
 class Player {
 public:
@@ -42,6 +47,7 @@ private:
     bool Step();
     void Draw(int opcode, ByteReader& data);
     void SkipFallback();
+    [[nodiscard]] bool IsFallbackText(ByteReader data);
 
     const Header& header;
     Limits innerLimits; ///< for pictures within the picture, which stands in memory already
@@ -50,6 +56,8 @@ private:
     Canvas canvas;
     Port port;
     TextPainter text;
+    bool stillShown = false;
+    bool fallbackBegun = false;
 };
 
 // One opcode; false when there is none left.
@@ -61,7 +69,7 @@ bool Player::Step()
     const int opcode = width == 1 ? in.U8() : in.U16();
     if (opcode == kEndPic)
         return false;
-    budget.Charge(1);
+    budget.Charge(kOpcodeCost);
     if (const auto length = DataLength(opcode, in)) {
         ByteReader data = in.Nested(*length);
         Draw(opcode, data);
@@ -77,6 +85,7 @@ bool Player::Step()
 
 void Player::SkipFallback()
 {
+    stillShown = true;
     ByteReader ahead = in;
     if (ahead.Remaining() < 6 || ahead.U16() != kPnSize || ahead.U16() != kFallbackMark)
         return;
@@ -86,13 +95,25 @@ void Player::SkipFallback()
     in = ahead;
 }
 
+// Without that mark the message is known by its first words, and whatever text follows belongs to it.
+bool Player::IsFallbackText(ByteReader data)
+{
+    constexpr std::string_view kFirstWord = "QuickTime";
+    const Bytes bytes = data.Take(data.Remaining());
+    const auto found
+        = std::ranges::search(bytes, kFirstWord, {}, {}, [](char c) { return static_cast<std::uint8_t>(c); });
+    fallbackBegun = fallbackBegun || (stillShown && !found.empty());
+    return fallbackBegun;
+}
+
 void Player::Draw(int opcode, ByteReader& data)
 {
     if (opcode >= kLine && opcode <= kShortLineFrom)
         DrawLine(opcode, data, port, canvas);
-    else if (opcode >= kLongText && opcode <= kDhDvText)
-        text.Draw(opcode, data, port, canvas, budget);
-    else if (opcode >= kRects && opcode < kBitsRect)
+    else if (opcode >= kLongText && opcode <= kDhDvText) {
+        if (!IsFallbackText(data))
+            text.Draw(opcode, data, port, canvas, budget);
+    } else if (opcode >= kRects && opcode < kBitsRect)
         DrawShape(opcode, data, port, canvas, budget);
     else if (IsBits(opcode))
         DrawBits(opcode, data, port, canvas, budget);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 
 #include "platform/codecs/pict/Geometry.h"
@@ -13,7 +14,7 @@ namespace veltrane::codecs::pict {
 /// What text looks like, and where the last piece of it began.
 struct TextStyle {
     int font = 0;
-    std::string name; ///< the font's, when the picture told it
+    std::map<int, std::string> names; ///< of the fonts whose numbers the picture has named
     int face = 0; ///< bits: 1 bold, 2 italic, 4 underline, 8 outline, 16 shadow, 32 condense, 64 extend
     int size = 0; ///< points, which are pixels here; 0 the system's 12
     int mode = 1;

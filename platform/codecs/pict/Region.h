@@ -23,9 +23,9 @@ public:
     [[nodiscard]] bool Rectangular() const noexcept { return bands.empty(); }
     [[nodiscard]] Rect Bounds() const noexcept override { return bounds; }
     void Row(int y, Spans& row) const override;
-    [[nodiscard]] int RowCost() const noexcept override
+    [[nodiscard]] std::int64_t RowCost() const noexcept override
     {
-        return 8 + static_cast<int>(turns.size() / std::max<std::size_t>(bands.size(), 1));
+        return 8 + static_cast<std::int64_t>(turns.size() / std::max<std::size_t>(bands.size(), 1));
     }
 
 private:
@@ -48,7 +48,10 @@ public:
     ShrunkRegion(const Region& region, int width, int height) noexcept;
     [[nodiscard]] Rect Bounds() const noexcept override { return Inset(region.Bounds(), width, height); }
     void Row(int y, Spans& row) const override;
-    [[nodiscard]] int RowCost() const noexcept override { return region.RowCost() * (2 * height + 1); }
+    [[nodiscard]] std::int64_t RowCost() const noexcept override
+    {
+        return region.RowCost() * (2 * height + 1);
+    }
 
 private:
     const Region& region;

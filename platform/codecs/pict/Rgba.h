@@ -25,6 +25,17 @@ using Rgba = std::uint32_t;
 inline constexpr Rgba kBlack = MakeRgba(0, 0, 0);
 inline constexpr Rgba kWhite = MakeRgba(255, 255, 255);
 
+/// A colour of five bits a component in a word. The upper bits fill the three that are missing, so that 31
+/// becomes 255.
+[[nodiscard]] constexpr Rgba FromFiveBits(std::uint16_t word) noexcept
+{
+    const auto widened = [word](int shift) {
+        const int five = word >> shift & 31;
+        return static_cast<std::uint8_t>(five << 3 | five >> 2);
+    };
+    return MakeRgba(widened(10), widened(5), widened(0));
+}
+
 /// An RGBColor: three components of 16 bits, of which a screen of 8 bits shows the upper half.
 [[nodiscard]] inline Rgba ReadRgbColor(ByteReader& in)
 {

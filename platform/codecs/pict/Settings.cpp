@@ -48,8 +48,11 @@ void SetFontName(ByteReader& data, TextStyle& text)
 {
     data.Skip(2);
     text.font = data.I16();
-    const Bytes name = data.Take(std::min<std::size_t>(data.U8(), data.Remaining()));
-    text.name.assign(name.begin(), name.end());
+    const std::size_t length = data.U8();
+    const Bytes name = data.Take(std::min(length, data.Remaining()));
+    constexpr std::size_t kMostNames = 256; // a page has a handful
+    if (text.names.size() < kMostNames)
+        text.names.insert_or_assign(text.font, std::string(name.begin(), name.end()));
 }
 
 // Length, and what justified text adds to each character; the line's total is told for printers.
@@ -62,10 +65,7 @@ void SetJustification(ByteReader& data, TextStyle& text)
 void SetText(int opcode, ByteReader& data, TextStyle& text)
 {
     switch (opcode) {
-    case kTxFont:
-        text.font = data.I16();
-        text.name.clear();
-        break;
+    case kTxFont: text.font = data.I16(); break;
     case kTxFace: text.face = data.U8(); break;
     case kTxMode: text.mode = data.I16(); break;
     case kTxSize: text.size = data.I16(); break;
@@ -108,6 +108,11 @@ void SetPattern(int opcode, ByteReader& data, Port& port, Budget& budget)
     }
 }
 
+Point NotNegative(Point size) noexcept
+{
+    return { std::max(size.x, 0), std::max(size.y, 0) };
+}
+
 void MoveOrigin(ByteReader& data, Port& port)
 {
     const int across = data.I16();
@@ -124,7 +129,7 @@ void Set(int opcode, ByteReader& data, Port& port, Canvas& canvas, Budget& budge
 {
     switch (opcode) {
     case kClip: canvas.Clip(Region::Read(data, port.offset, budget)); break;
-    case kPnSize: port.penSize = ReadPoint(data); break;
+    case kPnSize: port.penSize = NotNegative(ReadPoint(data)); break;
     case kPnMode: port.penMode = data.U16(); break;
     case kOvSize: port.ovalSize = ReadPoint(data); break;
     case kOrigin: MoveOrigin(data, port); break;

@@ -17,7 +17,7 @@ public:
     virtual void Row(int y, Spans& row) const = 0;
 
     /// What one row costs to find, in the budget's units.
-    [[nodiscard]] virtual int RowCost() const noexcept { return 8; }
+    [[nodiscard]] virtual std::int64_t RowCost() const noexcept { return 8; }
 };
 
 } // namespace veltrane::codecs::pict

@@ -58,7 +58,7 @@ public:
     CombinedShape(const Shape& a, How how, const Shape& b) noexcept : a(a), b(b), how(how) { }
     [[nodiscard]] Rect Bounds() const noexcept override { return a.Bounds(); }
     void Row(int y, Spans& row) const override;
-    [[nodiscard]] int RowCost() const noexcept override { return a.RowCost() + b.RowCost(); }
+    [[nodiscard]] std::int64_t RowCost() const noexcept override { return a.RowCost() + b.RowCost(); }
 
 private:
     const Shape& a;

@@ -53,7 +53,4 @@ void DecodeAnimation(const Still& still, StillPixels& pixels);
 [[nodiscard]] bool LooksLikeBmp(Bytes data) noexcept;
 [[nodiscard]] Bitmap DecodeBmp(Bytes data, const Limits& limits);
 
-/// A colour of five bits a component.
-[[nodiscard]] Rgba FromFiveBits(std::uint16_t word) noexcept;
-
 } // namespace veltrane::codecs::pict

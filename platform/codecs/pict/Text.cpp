@@ -25,7 +25,8 @@ enum Style {
 
 constexpr int kSystemSize = 12;
 constexpr double kLargestSize = 4096; ///< pixels; the rasteriser's limit is not far beyond
-constexpr int kGlyphCost = 1000; ///< of the budget, beside its pixels
+constexpr int kGlyphCost = 4000; ///< of the budget, beside its pixels
+constexpr int kFontCost = 1'000'000; ///< of finding one among hundreds
 
 // A name from a file goes to the system's font matcher: plain ASCII or not at all.
 std::string PlainName(std::string_view name)
@@ -94,7 +95,7 @@ struct TextPainter::Line {
     }
 };
 
-std::shared_ptr<Typeface> TextPainter::Face(const TextStyle& style, char32_t needed)
+std::shared_ptr<Typeface> TextPainter::Face(const TextStyle& style, char32_t needed, Budget& budget)
 {
     const Substitute substitute = SubstituteFor(style);
     const bool bold = substitute.bold || (style.face & kBold) != 0;
@@ -104,17 +105,19 @@ std::shared_ptr<Typeface> TextPainter::Face(const TextStyle& style, char32_t nee
         faces.clear();
     const std::string family = PlainName(substitute.family);
     const auto [place, fresh] = faces.try_emplace({ family, bold, italic, needed });
-    if (fresh)
-        place->second = Typeface::Find(family, bold, italic, needed);
+    if (!fresh)
+        return place->second;
+    budget.Charge(kFontCost);
+    place->second = Typeface::Find(family, bold, italic, needed);
     return place->second;
 }
 
 // Places the glyphs. The substitute's letters are made as wide as the original's are on average, so that
 // lines keep their length and pieces that follow each other do not collide.
-bool TextPainter::Lay(Line& line, Bytes text, const TextStyle& style)
+bool TextPainter::Lay(Line& line, Bytes text, const TextStyle& style, Budget& budget)
 {
     const Substitute substitute = SubstituteFor(style);
-    const std::shared_ptr<Typeface> face = Face(style, 0);
+    const std::shared_ptr<Typeface> face = Face(style, 0, budget);
     if (!face)
         return false;
     line.emHeight = SizeOf(style, style.scaleY);
@@ -125,7 +128,7 @@ bool TextPainter::Lay(Line& line, Bytes text, const TextStyle& style)
     const double extra = (style.face & kCondense) != 0 ? -pixel : (style.face & kExtend) != 0 ? pixel : 0;
     for (const std::uint8_t byte : text) {
         const char32_t character = substitute.symbols ? SymbolCharacter(byte) : MacRomanCharacter(byte);
-        const std::shared_ptr<Typeface> own = face->Has(character) ? face : Face(style, character);
+        const std::shared_ptr<Typeface> own = face->Has(character) ? face : Face(style, character, budget);
         line.glyphs.push_back({ character, own ? own : face, line.width });
         line.width += line.glyphs.back().face->Advance(character) * line.emWidth + extra + style.letterExtra;
         if (byte == ' ')
@@ -139,11 +142,12 @@ void TextPainter::Draw(int opcode, ByteReader& data, Port& port, Canvas& canvas,
     TextStyle& style = port.text;
     const Bytes text = ReadText(opcode, data, style.at);
     Line line;
-    if (text.empty() || !Lay(line, text, style))
+    if (text.empty() || !Lay(line, text, style, budget))
         return;
     const Point at = Offset(style.at, port.offset);
     const int right = at.x + static_cast<int>(std::lround(std::clamp(line.width, 0.0, 1e6)));
-    const Transfer transfer = port.With(style.mode);
+    Transfer transfer = port.With(style.mode);
+    transfer.twoColours = true;
     if (Rgba paper = kWhite; Replaces(transfer, kWhite, paper)) {
         const Typeface& face = *line.glyphs.front().face;
         const int top = at.y - static_cast<int>(std::lround(face.Ascent() * line.emHeight));

@@ -21,8 +21,8 @@ public:
 private:
     struct Line;
 
-    [[nodiscard]] std::shared_ptr<Typeface> Face(const TextStyle& style, char32_t needed);
-    [[nodiscard]] bool Lay(Line& line, Bytes text, const TextStyle& style);
+    [[nodiscard]] std::shared_ptr<Typeface> Face(const TextStyle& style, char32_t needed, Budget& budget);
+    [[nodiscard]] bool Lay(Line& line, Bytes text, const TextStyle& style, Budget& budget);
 
     std::map<std::tuple<std::string, bool, bool, char32_t>, std::shared_ptr<Typeface>> faces;
 };

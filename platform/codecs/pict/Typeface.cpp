@@ -137,7 +137,11 @@ struct Typeface::Face {
     }
 };
 
-Typeface::Typeface(std::unique_ptr<Face> opened) noexcept : face(std::move(opened)) { }
+Typeface::Typeface(std::unique_ptr<Face> opened) noexcept : face(std::move(opened))
+{
+    for (char32_t letter = U'a'; letter <= U'z'; ++letter)
+        meanLetterWidth += Advance(letter) / 26;
+}
 
 Typeface::~Typeface() = default;
 
@@ -162,14 +166,6 @@ bool Typeface::Has(char32_t character) const noexcept
 double Typeface::Advance(char32_t character) const noexcept
 {
     return face->Load(character) ? face->InEms(face->face->glyph->metrics.horiAdvance) : 0.5;
-}
-
-double Typeface::MeanLetterWidth() const noexcept
-{
-    double sum = 0;
-    for (char32_t letter = U'a'; letter <= U'z'; ++letter)
-        sum += Advance(letter);
-    return sum / 26;
 }
 
 double Typeface::Ascent() const noexcept

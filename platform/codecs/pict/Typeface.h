@@ -32,7 +32,7 @@ public:
 
     /// How far the character moves the pen, and the mean of that over the letters a to z, in ems.
     [[nodiscard]] double Advance(char32_t character) const noexcept;
-    [[nodiscard]] double MeanLetterWidth() const noexcept;
+    [[nodiscard]] double MeanLetterWidth() const noexcept { return meanLetterWidth; }
 
     /// How far letters reach above and below the base line, in ems.
     [[nodiscard]] double Ascent() const noexcept;
@@ -48,6 +48,7 @@ private:
     explicit Typeface(std::unique_ptr<Face> face) noexcept;
 
     std::unique_ptr<Face> face;
+    double meanLetterWidth = 0;
 };
 
 } // namespace veltrane::codecs::pict

@@ -6,6 +6,7 @@ Source: Inside Macintosh, Imaging With QuickDraw (1994), appendix A.
 
 import pathlib
 import struct
+import zlib
 
 HERE = pathlib.Path(__file__).parent
 BLACK, WHITE, RED, GREEN, BLUE = (0, 0, 0), (255, 255, 255), (255, 0, 0), (0, 255, 0), (0, 0, 255)
@@ -308,12 +309,12 @@ def matrix(scale_x=1, scale_y=1, x=0, y=0):
     return struct.pack(">8iI", *(int(value * 65536) for value in fixed), 1 << 30)
 
 
-def quick_time(kind, data, width, height, depth, name=b"", where=None, mask=b""):
+def quick_time(kind, data, width, height, depth, name=b"", where=None, mask=b"", table_id=-1):
     return op(
         0x8200, struct.pack(">I", 2 + 36 + 12 + 2 + 8 + 4 + 4 + len(mask) + 86 + len(data)), words(0),
         where or matrix(), bytes(12),  # no matte
         words(0), rect(0, 0, width, height), struct.pack(">II", 0, len(mask)), mask,
-        description(kind, data, width, height, depth, name))
+        description(kind, data, width, height, depth, name, table_id))
 
 
 def fallback(*opcodes):
@@ -354,6 +355,43 @@ def stills():
         + bytes([1, 256 - 2, *RED, 1, *GREEN, 255])  # twice red, once green
         + bytes([2, 2, *BLUE, *WHITE, 255]) + bytes([0]))  # one left out, two copied
     yield "quicktime-animation", version2((0, 0, 3, 2), quick_time(b"rle ", runs, 3, 2, 24, b"Animation"), hidden)
+
+
+def png(width, height, rows):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+    head = struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)  # 8 bits, RGBA
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head)
+            + chunk(b"IDAT", zlib.compress(b"".join(b"\0" + row for row in rows))) + chunk(b"IEND", b""))
+
+
+def bmp(width, height, depth, palette, rows):
+    """Rows from the lowest up, each filled to four bytes."""
+    pixels = b"".join(row.ljust((len(row) + 3) // 4 * 4, b"\x55") for row in rows)
+    start = 14 + 40 + 4 * len(palette)
+    return (
+        b"BM" + struct.pack("<IHHI", start + len(pixels), 0, 0, start)
+        + struct.pack("<IiiHHIIiiII", 40, width, height, 1, depth, 0, len(pixels), 0, 0, len(palette), 0)
+        + b"".join(bytes(reversed(c)) + b"\0" for c in palette) + pixels)
+
+
+def whole_files():
+    rgba = [b"".join(bytes(p) + b"\xff" for p in SIX[:3]), bytes([0, 0, 0, 0]) + b"\0\0\0\xff\xff\0\0\xff"]
+    hidden = fallback(op(0x31, rect(0, 0, 8, 8)))
+    yield "quicktime-png", version2((0, 0, 3, 2), quick_time(b"png ", png(3, 2, rgba), 3, 2, 32, b"PNG"), hidden)
+    numbers = bmp(3, 2, 4, [WHITE, RED, GREEN, BLUE, BLACK], [bytes([0x04, 0x10]), bytes([0x12, 0x30])])
+    yield "quicktime-bmp-4bit", version2((0, 0, 3, 2), quick_time(b"BMP ", numbers, 3, 2, 4, b"BMP", table_id=4), hidden)
+    triples = bmp(3, -2, 24, [], [b"".join(bytes(reversed(p)) for p in row) for row in (SIX[:3], SIX[3:])])
+    yield "quicktime-bmp-24bit", version2((0, 0, 3, 2), quick_time(b"BMP ", triples, 3, 2, 24, b"BMP"), hidden)
+    # Numbers into the system's palette, into one of its own, and grey ones.
+    yield "quicktime-raw-system", version2((0, 0, 3, 1), quick_time(
+        b"raw ", bytes([0, 35, 255, 0]), 3, 1, 8, b"None", table_id=8))
+    yield "quicktime-raw-grey", version2((0, 0, 3, 1), quick_time(b"raw ", bytes([0, 128, 255, 0]), 3, 1, 40, b"None"))
+    # No mark before the message: it is known by its words.
+    pixels = b"".join(b"\0" + bytes(p) for p in SIX)
+    yield "quicktime-message", version2(
+        (0, 0, 3, 2), quick_time(b"raw ", pixels, 3, 2, 32, b"None"),
+        text(0, 2, b"QuickTime\xaa and a"), op(0x29, b"\0", b"\x05Video"))
 
 
 def text(x, y, string):
@@ -420,6 +458,6 @@ def hostile():
         b"raw ", bytes(24), 3, 2, 32, b"None", matrix(-1, 1, 3, 0)))
 
 
-for made in (bitmaps, placing, modes, shapes, pens, stills, texts, reserved, headers, hostile):
+for made in (bitmaps, placing, modes, shapes, pens, stills, whole_files, texts, reserved, headers, hostile):
     for name, data in made():
         (HERE / (name + ".pict")).write_bytes(data)
