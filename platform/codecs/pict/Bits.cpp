@@ -76,7 +76,7 @@ void DrawBits(int opcode, ByteReader& in, const Port& port, Canvas& canvas, Budg
     const Region* const mask = place.mask ? &*place.mask : nullptr;
     Transfer transfer = port.With(place.mode);
     transfer.twoColours = place.map.blackAndWhite;
-    budget.Charge(place.map.bounds.Width() + std::max(wanted.Width(), 0) + std::max(wanted.Height(), 0));
+    budget.Charge(place.map.bounds.Width() + 8 * std::max(wanted.Width(), 0) + std::max(wanted.Height(), 0));
     Stretch stretch(place.map.bounds, place.source, target, wanted, ShrinkingFor(place.mode),
         [&](int x, int y, std::span<const Rgba> row) { canvas.Put(x, y, row, mask, transfer); });
     Pour(place.map, opcode >= kPackBitsRect ? Packing::Packed : Packing::Raw, in, budget, stretch);

@@ -7,8 +7,8 @@
 
 namespace veltrane::codecs::pict {
 
-/// The work that one picture may cause, roughly in pixels touched. A two-byte opcode can paint the whole
-/// frame, so a file's length alone bounds nothing: this does.
+/// The work that one picture may cause, in pixels painted: about a thousand millionth of a second each. A
+/// two-byte opcode can paint the whole frame, so a file's length alone bounds nothing: this does.
 class Budget {
 public:
     /// Any real drawing stays far below: the frame sixteen times over, a thousand pixels for each byte of

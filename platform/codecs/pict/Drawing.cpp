@@ -103,9 +103,11 @@ std::vector<Point> ReadPolygon(ByteReader& data, Point offset)
     return points;
 }
 
-void DrawPolygon(int verb, ByteReader& data, Port& port, Canvas& canvas)
+void DrawPolygon(int verb, ByteReader& data, Port& port, Canvas& canvas, Budget& budget)
 {
     const std::vector<Point> points = ReadPolygon(data, port.offset);
+    constexpr std::int64_t kCornerCost = 32;
+    budget.Charge(static_cast<std::int64_t>(points.size()) * kCornerCost);
     Brush brush(verb, port, canvas);
     if (verb != kFrame) {
         brush.Fill(PolygonShape(points));
@@ -156,7 +158,7 @@ void DrawShape(int opcode, ByteReader& data, Port& port, Canvas& canvas, Budget&
     else if ((opcode & kSame) != 0)
         return; // "same polygon" and "same region" were never put to use
     else if (opcode < kRegions)
-        DrawPolygon(verb, data, port, canvas);
+        DrawPolygon(verb, data, port, canvas, budget);
     else
         DrawRegion(verb, data, port, canvas, budget);
 }

@@ -60,14 +60,35 @@ PolygonShape::PolygonShape(std::span<const Point> points) : corners(points.begin
     const auto [left, right] = std::ranges::minmax(corners, {}, &Point::x);
     const auto [top, bottom] = std::ranges::minmax(corners, {}, &Point::y);
     bounds = { left.x, top.y, right.x, bottom.y };
+    if (!bounds.Empty())
+        SortIntoBands();
+}
+
+void PolygonShape::SortIntoBands()
+{
+    constexpr int kBands = 64;
+    bandHeight = (bounds.Height() + kBands - 1) / kBands;
+    bands.resize(BandOf(bounds.bottom - 1) + 1);
+    std::size_t entries = 0;
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        const auto [high, low] = std::minmax({ corners[i].y, Next(i).y });
+        if (high == low)
+            continue;
+        for (std::size_t band = BandOf(high); band <= BandOf(low - 1); ++band, ++entries)
+            bands[band].push_back(i);
+    }
+    constexpr std::int64_t kEdgeCost = 16; // each is looked at, and half of them sorted
+    rowCost += static_cast<std::int64_t>(entries / bands.size()) * kEdgeCost;
 }
 
 void PolygonShape::Row(int y, Spans& row) const
 {
     row.clear();
-    for (std::size_t i = 0; i < corners.size(); ++i) {
+    if (bounds.Empty() || y < bounds.top || y >= bounds.bottom)
+        return;
+    for (const std::size_t i : bands[BandOf(y)]) {
         const Point a = corners[i];
-        const Point b = corners[i + 1 == corners.size() ? 0 : i + 1];
+        const Point b = Next(i);
         if ((a.y <= y) == (b.y <= y))
             continue;
         const double x = a.x + (y + 0.5 - a.y) * (b.x - a.x) / static_cast<double>(b.y - a.y);

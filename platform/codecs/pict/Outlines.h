@@ -34,14 +34,26 @@ public:
     explicit PolygonShape(std::span<const Point> points);
     [[nodiscard]] Rect Bounds() const noexcept override { return bounds; }
     void Row(int y, Spans& row) const override;
-    [[nodiscard]] std::int64_t RowCost() const noexcept override
-    {
-        return static_cast<std::int64_t>(corners.size()) + 8;
-    }
+    [[nodiscard]] std::int64_t RowCost() const noexcept override { return rowCost; }
 
 private:
+    using Band = std::vector<std::size_t>; ///< the edges that rows of one height can meet, by first corner
+
+    [[nodiscard]] Point Next(std::size_t corner) const noexcept
+    {
+        return corners[corner + 1 == corners.size() ? 0 : corner + 1];
+    }
+    [[nodiscard]] std::size_t BandOf(int y) const noexcept
+    {
+        return static_cast<std::size_t>((y - bounds.top) / bandHeight);
+    }
+    void SortIntoBands();
+
     std::vector<Point> corners;
     Rect bounds;
+    std::vector<Band> bands; ///< so that a coast line of thousands of corners does not cost them all a row
+    int bandHeight = 1;
+    std::int64_t rowCost = 8;
 };
 
 } // namespace veltrane::codecs::pict

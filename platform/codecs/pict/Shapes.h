@@ -25,6 +25,7 @@ public:
     }
     [[nodiscard]] Rect Bounds() const noexcept override { return rect; }
     void Row(int y, Spans& row) const override;
+    [[nodiscard]] std::int64_t RowCost() const noexcept override { return 50; }
 
 private:
     Rect rect;
@@ -40,6 +41,7 @@ public:
     WedgeShape(const Rect& rect, int startAngle, int arcAngle) noexcept;
     [[nodiscard]] Rect Bounds() const noexcept override { return rect; }
     void Row(int y, Spans& row) const override;
+    [[nodiscard]] std::int64_t RowCost() const noexcept override { return 150; }
 
 private:
     [[nodiscard]] bool Holds(double angle) const noexcept;
@@ -58,7 +60,7 @@ public:
     CombinedShape(const Shape& a, How how, const Shape& b) noexcept : a(a), b(b), how(how) { }
     [[nodiscard]] Rect Bounds() const noexcept override { return a.Bounds(); }
     void Row(int y, Spans& row) const override;
-    [[nodiscard]] std::int64_t RowCost() const noexcept override { return a.RowCost() + b.RowCost(); }
+    [[nodiscard]] std::int64_t RowCost() const noexcept override { return a.RowCost() + b.RowCost() + 100; }
 
 private:
     const Shape& a;

@@ -25,7 +25,7 @@ enum Style {
 
 constexpr int kSystemSize = 12;
 constexpr double kLargestSize = 4096; ///< pixels; the rasteriser's limit is not far beyond
-constexpr int kGlyphCost = 4000; ///< of the budget, beside its pixels
+constexpr int kGlyphCost = 10'000; ///< of the budget, beside its pixels
 constexpr int kFontCost = 1'000'000; ///< of finding one among hundreds
 
 // A name from a file goes to the system's font matcher: plain ASCII or not at all.

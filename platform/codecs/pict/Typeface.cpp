@@ -8,6 +8,7 @@
 
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
+#include FT_ADVANCES_H
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
 
@@ -165,7 +166,11 @@ bool Typeface::Has(char32_t character) const noexcept
 
 double Typeface::Advance(char32_t character) const noexcept
 {
-    return face->Load(character) ? face->InEms(face->face->glyph->metrics.horiAdvance) : 0.5;
+    FT_Fixed advance = 0; // in font units, since nothing is scaled
+    const FT_UInt glyph = FT_Get_Char_Index(face->face, character);
+    if (glyph == 0 || FT_Get_Advance(face->face, glyph, FT_LOAD_NO_SCALE, &advance) != 0)
+        return 0.5;
+    return face->InEms(advance);
 }
 
 double Typeface::Ascent() const noexcept
