@@ -36,6 +36,8 @@ constexpr std::array kDecoders = std::to_array<Decoder>({
     { Type("cvid"), DecodeCinepak },
     { Type("rpza"), DecodeRoadPizza },
     { Type("rle "), DecodeAnimation },
+    { Type("smc "), DecodeGraphics },
+    { Type("8BPS"), DecodePlanar },
 });
 
 std::string ReadName(ByteReader& in)

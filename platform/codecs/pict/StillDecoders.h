@@ -49,6 +49,12 @@ void DecodeRoadPizza(const Still& still, StillPixels& pixels);
 /// "Animation": rows of repeated or copied pixels.
 void DecodeAnimation(const Still& still, StillPixels& pixels);
 
+/// "Graphics": blocks of 4 x 4 in one to sixteen numbers of a palette.
+void DecodeGraphics(const Still& still, StillPixels& pixels);
+
+/// "Planar RGB": a component after the other, rows packed.
+void DecodePlanar(const Still& still, StillPixels& pixels);
+
 /// A BMP file, for the program that has no codec for them. Uncompressed ones only.
 [[nodiscard]] bool LooksLikeBmp(Bytes data) noexcept;
 [[nodiscard]] Bitmap DecodeBmp(Bytes data, const Limits& limits);

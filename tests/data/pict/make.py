@@ -394,6 +394,26 @@ def whole_files():
         text(0, 2, b"QuickTime\xaa and a"), op(0x29, b"\0", b"\x05Video"))
 
 
+def more_stills():
+    hidden = fallback(op(0x31, rect(0, 0, 8, 8)))
+    graphics = (
+        bytes(4)
+        + b"\x60\x23"  # a block of number 35: red
+        + b"\x80\x00\xff" + words(0xF0F0)  # a pair, white and black: rows in turn
+        + b"\x20"  # the same block once more
+        + b"\xa0\x00\xff\x23\xb9" + struct.pack(">I", 0x1B1B1B1B)  # four: 0, 1, 2, 3 in each row
+        + b"\x90\x00" + words(0x8421)  # the pair again, by its number
+        + b"\xe0" + bytes([35] * 15 + [0])  # sixteen colours
+        + b"\x40"  # the two before, in turn
+    )
+    yield "quicktime-graphics", version2(
+        (0, 0, 8, 16), quick_time(b"smc ", graphics, 8, 16, 8, b"Graphics", table_id=8), hidden)
+    rows = [bytes([p[i] for p in line]) for i in range(3) for line in (SIX[:3], SIX[3:])]
+    packed = [bytes([2]) + row for row in rows]
+    planar = words(*map(len, packed)) + b"".join(packed)
+    yield "quicktime-planar", version2((0, 0, 3, 2), quick_time(b"8BPS", planar, 3, 2, 24, b"Planar RGB"), hidden)
+
+
 def text(x, y, string):
     return op(0x28, point(x, y), bytes([len(string)]), string)
 
@@ -458,6 +478,6 @@ def hostile():
         b"raw ", bytes(24), 3, 2, 32, b"None", matrix(-1, 1, 3, 0)))
 
 
-for made in (bitmaps, placing, modes, shapes, pens, stills, whole_files, texts, reserved, headers, hostile):
+for made in (bitmaps, placing, modes, shapes, pens, stills, whole_files, more_stills, texts, reserved, headers, hostile):
     for name, data in made():
         (HERE / (name + ".pict")).write_bytes(data)
