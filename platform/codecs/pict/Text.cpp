@@ -64,8 +64,8 @@ struct TextPainter::Line {
         double x; ///< from the piece's beginning, in pixels
     };
     std::vector<Glyph> glyphs;
-    double emWidth;
-    double emHeight;
+    double emWidth = 0;
+    double emHeight = 0;
     double width = 0;
 
     void Draw(Point at, const Transfer& transfer, Canvas& canvas, Budget& budget) const
