@@ -394,7 +394,23 @@ def whole_files():
         text(0, 2, b"QuickTime\xaa and a"), op(0x29, b"\0", b"\x05Video"))
 
 
+def tiff(width, height, pixels):
+    """One strip of RGB, big-endian."""
+    data = b"".join(map(bytes, pixels))
+    count = 8  # entries of the directory, which begins at 8; the bits of a sample lie behind it
+    behind = 8 + 2 + 12 * count + 4
+    short, long = 3, 4
+    entries = [(256, short, 1, width), (257, short, 1, height), (258, short, 3, behind), (262, short, 1, 2),
+               (273, long, 1, behind + 6), (277, short, 1, 3), (278, short, 1, height), (279, long, 1, len(data))]
+    packed = b"".join(
+        struct.pack(">HHI", tag, kind, n) + struct.pack(">HH" if kind == short and n == 1 else ">I",
+                                                        *((value, 0) if kind == short and n == 1 else (value,)))
+        for tag, kind, n, value in entries)
+    return b"MM\0*" + struct.pack(">I", 8) + words(count) + packed + bytes(4) + words(8, 8, 8) + data
+
+
 def more_stills():
+    yield "quicktime-tiff", version2((0, 0, 3, 2), quick_time(b"tiff", tiff(3, 2, SIX), 3, 2, 24, b"TIFF"))
     hidden = fallback(op(0x31, rect(0, 0, 8, 8)))
     graphics = (
         bytes(4)
