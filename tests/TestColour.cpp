@@ -37,6 +37,7 @@ const ProfileCase kProfiles[] = {
     { "CurveAsFormulaIsSrgb", "srgb-v4", Samples::Rgba8, {}, {} },
     { "SrgbIn16Bits", "srgb-v4", Samples::Rgba16, {}, {} },
     { "GreyLinear", "grey-linear", Samples::Grey8, { 64 }, { { 137, 137, 137, 255 } } },
+    { "GreyLinearShadow", "grey-linear", Samples::Grey8, { 1 }, { { 13, 13, 13, 255 } } },
     { "GreyOfSrgb", "grey-srgb", Samples::Grey8, {}, {} },
     { "PaperIsWhite", "inks", Samples::Cmyk8, { 0, 0, 0, 0 }, { { 255, 255, 255, 255 } } },
     { "DeepestBlackIsBlack", "inks", Samples::Cmyk8, { 255, 255, 255, 255 }, { { 0, 0, 0, 255 } } },

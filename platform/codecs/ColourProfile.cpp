@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstring>
 #include <vector>
 
 #include <lcms2.h>
@@ -159,6 +161,25 @@ std::shared_ptr<const ColourTransform> ThroughPrimaries(cmsHPROFILE profile, Sam
     return MatrixTransform(std::move(colour), from);
 }
 
+// ---- Grey: one entry for each of its 256 samples.
+
+class ByTable final : public ColourTransform {
+public:
+    using Entry = std::array<std::uint8_t, 4>;
+
+    explicit ByTable(const std::array<Entry, 256>& table) : table(table) { }
+
+    void Apply(const void* samples, std::uint8_t* rgba, std::size_t pixels) const override
+    {
+        const auto* const in = static_cast<const std::uint8_t*>(samples);
+        for (std::size_t i = 0; i < pixels; ++i)
+            std::memcpy(rgba + 4 * i, table[in[i]].data(), sizeof(Entry));
+    }
+
+private:
+    std::array<Entry, 256> table;
+};
+
 // ---- Everything else: Little CMS.
 
 class ByLibrary final : public ColourTransform {
@@ -169,9 +190,7 @@ public:
     {
         constexpr std::size_t kAtOnce = 1 << 20; // the library counts in 32 bits
         const auto* in = static_cast<const std::uint8_t*>(samples);
-        const std::size_t size = from == Samples::Grey8          ? 1
-            : from == Samples::Rgba16 || from == Samples::Cmyk16 ? 8
-                                                                 : 4;
+        const std::size_t size = from == Samples::Rgba16 || from == Samples::Cmyk16 ? 8 : 4;
         for (std::size_t count = 0; pixels > 0; pixels -= count) {
             count = std::min(pixels, kAtOnce);
             cmsDoTransform(transform.get(), in, rgba, static_cast<cmsUInt32Number>(count));
@@ -214,11 +233,35 @@ Transform Link(cmsHPROFILE profile, Samples from)
         IntentFor(profile), cmsFLAGS_BLACKPOINTCOMPENSATION | (hasAlpha ? cmsFLAGS_COPY_ALPHA : 0u)));
 }
 
+// In floating point: the library's path for 8 bits loses several levels in the shadows of a linear grey.
+std::shared_ptr<const ColourTransform> TableOfGreys(cmsHPROFILE profile)
+{
+    const Profile srgb(cmsCreate_sRGBProfile());
+    const Transform transform(cmsCreateTransform(profile, TYPE_GRAY_FLT, srgb.get(), TYPE_RGB_FLT,
+        IntentFor(profile), cmsFLAGS_BLACKPOINTCOMPENSATION));
+    if (!transform)
+        return nullptr;
+    std::array<ByTable::Entry, 256> table {};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        const float grey = static_cast<float>(i) / 255.0F;
+        std::array<float, 3> rgb {};
+        cmsDoTransform(transform.get(), &grey, rgb.data(), 1);
+        for (std::size_t k = 0; k < 3; ++k) {
+            const float level = rgb[k] > 0 ? std::min(rgb[k], 1.0F) : 0.0F; // what is no number becomes 0
+            table[i][k] = static_cast<std::uint8_t>(std::lround(level * 255.0F));
+        }
+        table[i][3] = 255;
+    }
+    return std::make_shared<ByTable>(table);
+}
+
 std::shared_ptr<const ColourTransform> FromOpen(cmsHPROFILE profile, Samples from)
 {
     const bool rgb = from == Samples::Rgba8 || from == Samples::Rgba16;
     if (rgb && IsOfPrimaries(profile))
         return ThroughPrimaries(profile, from);
+    if (from == Samples::Grey8)
+        return TableOfGreys(profile);
     Transform transform = Link(profile, from);
     return transform ? std::make_shared<ByLibrary>(std::move(transform), from) : nullptr;
 }
