@@ -119,7 +119,7 @@ void FileWriter::OpenNamed()
 {
     for (const char* const name : kTemporaryNames) {
         // A sweeper may take the file between its making and its lock; the second try has the name anew.
-        if (ClaimNamed(name) || (errno != EEXIST && ClaimNamed(name)))
+        if (ClaimNamed(name) || (errno == ENOENT && ClaimNamed(name)))
             return;
         if (errno != EEXIST)
             Fail();

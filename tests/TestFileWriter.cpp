@@ -28,6 +28,9 @@ public:
     }
     [[nodiscard]] bool Failed() const noexcept { return made >= failing; }
 
+    /// Whether the user has to hear of the call that failed: all but the closing of what is done with.
+    [[nodiscard]] bool MustBeTold() const noexcept { return mustBeTold; }
+
     int OpenFolder(const std::string& p) override { return Fails() ? -1 : FileCalls::OpenFolder(p); }
     int OpenUnnamed(int d) override
     {
@@ -46,10 +49,11 @@ public:
         return FileCalls::Write(f, b, n > 1 ? n / 2 : n); // short writes are no failures
     }
     int Sync(int f) override { return Fails() ? -1 : FileCalls::Sync(f); }
-    int Duplicate(int f) override { return Fails() ? -1 : FileCalls::Duplicate(f); }
+    int Duplicate(int f) override { return Fails() ? -1 : duplicate = FileCalls::Duplicate(f); }
     int Close(int f) override
     {
         const bool fails = Fails(); // the system closes a descriptor also when it tells a failure
+        mustBeTold = fails ? f == duplicate : mustBeTold;
         const int result = FileCalls::Close(f);
         errno = error;
         return fails ? -1 : result;
@@ -64,10 +68,13 @@ private:
     bool Fails()
     {
         errno = error;
-        return ++made == failing;
+        const bool fails = ++made == failing;
+        mustBeTold = mustBeTold || fails;
+        return fails;
     }
     Unnamed unnamed;
-    int failing, error, made = 0;
+    int failing, error, made = 0, duplicate = -1;
+    bool mustBeTold = false;
 };
 
 const std::string kOld = "old content";
@@ -102,6 +109,7 @@ TEST_P(Faults, LeaveTheOldFileOrTheNewOne)
             EXPECT_TRUE(failure.Message().Bytes().starts_with("impossible d'écrire « a.png » : "));
         }
         EXPECT_EQ(folder.Names(), "a.png") << "call " << n;
+        EXPECT_TRUE(told || !calls.MustBeTold()) << "call " << n;
         EXPECT_EQ(folder.Read("a.png") == (told ? kOld : kNew), true) << "call " << n;
         if (!calls.Failed())
             break;
@@ -139,13 +147,13 @@ TEST(FileWriter, KeepsThePermissionsOfTheOldFileAndFollowsTheUmaskForANewOne)
 {
     const Scratch folder;
     folder.Write("old", kOld);
-    chmod(folder.Path("old").c_str(), 0640);
+    chmod(folder.Path("old").c_str(), 0604);
     const mode_t before = umask(027);
     Save(folder.Path("old"), FileCalls::System(), kNew);
     Save(folder.Path("new"), FileCalls::System(), kNew);
     umask(before);
-    EXPECT_EQ(Mode(folder.Path("old")), 0640u);
-    EXPECT_EQ(Mode(folder.Path("new")), 0640u & ~027u);
+    EXPECT_EQ(Mode(folder.Path("old")), 0604u);
+    EXPECT_EQ(Mode(folder.Path("new")), 0640u);
 }
 
 TEST(FileWriter, ReplacesALinkAndLeavesItsTargetAlone)

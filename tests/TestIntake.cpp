@@ -48,6 +48,7 @@ constexpr NameCase kNames[] = {
     { "FirstOfTwo", "twice.gif.gif", kBoth, "twice.gif.jpg twice.gif.png" },
     { "EachOnce", "a.jpg.b.tif", kBoth, "a.b.tif.jpg a.b.tif.png" },
     { "MadeByAnEarlierCut", "x.p.jpgng", kBoth, "x.jpg x.png" },
+    { "JpgIsCutBeforeJpeg", "x.j.jpgpeg", kPng, "x.png" },
     { "NothingButASuffix", ".gif", kBoth, ".jpg .png" },
     { "UpperCase", "PHOTO.PNG", kBoth, "PHOTO.jpg" },
     { "UpperCaseJpeg", "PHOTO.JPG", kBoth, "PHOTO.png" },
