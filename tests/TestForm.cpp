@@ -4,6 +4,7 @@
 
 #include "filetypes/Image.h"
 #include "platform/Exceptions.h"
+#include "platform/FileTypes.h"
 #include "tests/Naming.h"
 #include "tests/ProgramRun.h"
 #include "window/Fit.h"
@@ -186,5 +187,11 @@ TEST(FileTypes, FiveAreDeclaredOnceEach)
         EXPECT_FALSE(jpeg->Registered()) << "a write takes the registration back";
         EXPECT_EQ(jpeg->Operator_Convert().Bytes(), "image/jpeg");
         EXPECT_TRUE(jpeg->Registered()) << "use as a string registers";
+        RuntimeDeregisterFileType("image/jpeg"); // behind the record's back
+        jpeg->Register();
+        EXPECT_FALSE(filetypes::FitsByName(Image::All, "a.jpg")) << "a standing record is not declared again";
+        jpeg->Deregister();
+        jpeg->Register();
+        EXPECT_TRUE(filetypes::FitsByName(Image::All, "a.jpg"));
     });
 }

@@ -108,13 +108,19 @@ std::vector<ControlView*> Form::ByTabIndex(const RectControl* parent) const
     return level;
 }
 
+// The widgets that take the keyboard's focus, in its order. The others have no place in it: the toolkit
+// passes over a link to a widget that takes no focus, and the order would fall apart there.
 std::vector<QWidget*> Form::FocusChain() const
 {
     std::vector<QWidget*> chain;
+    const auto add = [&chain](const ControlView& view) {
+        if ((view.Widget().focusPolicy() & Qt::TabFocus) != 0)
+            chain.push_back(&view.Widget());
+    };
     for (const ControlView* view : ByTabIndex(nullptr)) {
-        chain.push_back(&view->Widget());
+        add(*view);
         for (const ControlView* child : ByTabIndex(&view->Shown()))
-            chain.push_back(&child->Widget());
+            add(*child);
     }
     return chain;
 }
@@ -129,7 +135,7 @@ void Form::OrderFocus()
 void Form::FocusFirst()
 {
     for (QWidget* const widget : FocusChain()) {
-        if ((widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isEnabled() && !widget->isHidden()) {
+        if (widget->isEnabled() && !widget->isHidden()) {
             widget->setFocus(Qt::OtherFocusReason);
             return;
         }
