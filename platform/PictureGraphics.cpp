@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/Scaler.h"
+
 namespace veltrane {
 
 namespace {
@@ -46,6 +48,16 @@ struct Axis {
     }
     [[nodiscard]] Span Pixels() const { return Covered(to, length, side); }
 
+    // How much of the source a destination pixel covers.
+    [[nodiscard]] double Step() const { return fromLength / length; }
+    [[nodiscard]] bool StaysInside() const { return from >= 0 && from + fromLength <= sourceSide; }
+
+    // Where the edge before destination pixel `at` falls in the source, within the part that is taken.
+    [[nodiscard]] double EdgeOf(int at) const
+    {
+        return std::clamp(from + (at - to) * Step(), from, from + fromLength);
+    }
+
     // Where the centre of destination pixel `at` falls in the source.
     [[nodiscard]] int SourceOf(int at) const
     {
@@ -71,14 +83,10 @@ void Over(std::uint8_t* below, const std::uint8_t* above)
     below[3] = static_cast<std::uint8_t>((sum + 127) / 255);
 }
 
-void DrawNearest(Bitmap& pixels, const Bitmap& source, const Axis& across, const Axis& down)
+void DrawNearest(
+    Bitmap& pixels, const Bitmap& source, const Axis& across, const Axis& down, Span columns, Span rows)
 {
-    const Span columns = across.Pixels();
-    const Span rows = down.Pixels();
-    if (columns.begin >= columns.end || rows.begin >= rows.end)
-        return;
     std::uint8_t* const memory = pixels.Writable();
-    pixels.Opaque(false);
     for (int row = rows.begin; row < rows.end; ++row) {
         const std::uint8_t* const from = source.Row(down.SourceOf(row));
         std::uint8_t* const to = memory + static_cast<std::size_t>(row) * pixels.Stride();
@@ -88,6 +96,48 @@ void DrawNearest(Bitmap& pixels, const Bitmap& source, const Axis& across, const
                 from + taken * Bitmap::kBytesPerPixel);
         }
     }
+}
+
+// From colours weighted by alpha to straight ones.
+void Straighten(std::uint8_t* pixel)
+{
+    const unsigned alpha = pixel[3];
+    for (int i = 0; i < 3 && alpha != 0; ++i)
+        pixel[i] = static_cast<std::uint8_t>(std::min((pixel[i] * 255U + alpha / 2) / alpha, 255U));
+}
+
+// Each pixel takes the average of what it covers.
+void DrawAveraged(
+    Bitmap& pixels, const Bitmap& source, const Axis& across, const Axis& down, Span columns, Span rows)
+{
+    Bitmap scaled = Bitmap::Uninitialised(columns.end - columns.begin, rows.end - rows.begin);
+    std::uint8_t* pixel = scaled.Writable();
+    const double left = across.EdgeOf(columns.begin), top = down.EdgeOf(rows.begin);
+    ScaleByArea(source, { left, top, across.EdgeOf(columns.end) - left, down.EdgeOf(rows.end) - top },
+        { pixel, scaled.Width(), scaled.Height(), scaled.Stride() });
+    std::uint8_t* const memory = pixels.Writable();
+    for (int row = rows.begin; row < rows.end; ++row) {
+        std::uint8_t* to = memory + static_cast<std::size_t>(row) * pixels.Stride()
+            + static_cast<std::size_t>(columns.begin) * Bitmap::kBytesPerPixel;
+        for (int i = 0; i < scaled.Width(); ++i) {
+            Straighten(pixel);
+            Over(to, pixel);
+            to += Bitmap::kBytesPerPixel;
+            pixel += Bitmap::kBytesPerPixel;
+        }
+    }
+}
+
+void DrawScaled(Bitmap& pixels, const Bitmap& source, const Axis& across, const Axis& down)
+{
+    const Span columns = across.Pixels();
+    const Span rows = down.Pixels();
+    if (columns.begin >= columns.end || rows.begin >= rows.end)
+        return;
+    const bool shrinks = across.Step() >= 1 && down.Step() >= 1 && across.Step() * down.Step() > 1;
+    const auto draw = shrinks && across.StaysInside() && down.StaysInside() ? DrawAveraged : DrawNearest;
+    draw(pixels, source, across, down, columns, rows);
+    pixels.Opaque(false);
 }
 
 } // namespace
@@ -121,7 +171,7 @@ void PictureGraphics::DrawPicture(const Ref<Picture>& picture, double x, double 
     if (across.IsIdentity() && down.IsIdentity() && (source.Opaque() || pixels.Blank()))
         pixels = source;
     else
-        DrawNearest(pixels, source, across, down);
+        DrawScaled(pixels, source, across, down);
 }
 
 } // namespace veltrane

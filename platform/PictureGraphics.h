@@ -15,7 +15,8 @@ public:
     void FillRect(double x, double y, double width, double height) override;
 
     /// A whole picture onto one of its own size at the origin shares the pixels instead of copying them,
-    /// which is exact: either picture gets its own at the first write. Other draws take the nearest pixel.
+    /// which is exact: either picture gets its own at the first write. Draws that make a part of the
+    /// picture smaller take the average of what each pixel covers; others take the nearest pixel.
     void DrawPicture(const Ref<Picture>& picture, double x, double y, double destinationWidth,
         double destinationHeight, double sourceX, double sourceY, double sourceWidth,
         double sourceHeight) override;
