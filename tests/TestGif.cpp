@@ -25,6 +25,8 @@ constexpr GifCase kGifs[] = {
     { "LocalPaletteAlone", "local-only", "six" },
     { "WithoutTrailer", "no-trailer", "six" },
     { "WithoutLastBlock", "no-terminator", "six" },
+    { "TrailerInPlaceOfTheLastBlock", "no-terminator-but-trailer", "six" },
+    { "BlockLongerThanTheFile", "last-block-longer-than-file", "six" },
     { "GarbageBehindTheFrame", "garbage-behind", "six" },
     { "StrayBytesBetweenBlocks", "stray-bytes", "six" },
     { "ScreenWithoutSize", "empty-screen", "six" },
@@ -56,6 +58,7 @@ struct BadGif {
 
 constexpr BadGif kBadGifs[] = {
     { "DataCutOff", "bad-cut-data", "fichier GIF incomplet" },
+    { "LastBlockWithoutItsData", "bad-last-block-without-data", "fichier GIF incomplet" },
     { "EndsBeforeTheLastPixel", "bad-few-pixels", "fichier GIF endommagé" },
     { "CodeNotInTheTable", "bad-code", "fichier GIF endommagé" },
     { "CodeSizeOver8", "bad-code-size", "fichier GIF endommagé" },

@@ -15,22 +15,37 @@ struct GifReader::Source {
     Bytes rest;
     bool ranDry = false;
     bool inRows = false;
+    bool lengthNext = true; // within rows: what the next read wants
 
-    // At the file's end while rows are read, a byte that is asked for alone is the length of the next data
-    // block. Zero, "no further block", lets a frame whose pixels are complete end well, and fails one that
-    // still wants data.
     int Read(std::uint8_t* to, std::size_t wanted) noexcept
     {
-        if (rest.empty() && inRows && wanted == 1) {
-            ranDry = true;
-            *to = 0;
-            return 1;
-        }
+        if (inRows && lengthNext)
+            return ReadLength(*to);
+        lengthNext = true;
         const std::size_t given = std::min(wanted, rest.size());
         ranDry = ranDry || given < wanted;
         std::copy_n(rest.begin(), given, to);
         rest = rest.subspan(given);
         return static_cast<int>(given);
+    }
+
+    // Behind the frame's head come data blocks alone, each a byte of length and that many bytes. A block
+    // that the file does not hold whole is taken for what there is of it, and none left for the last, empty
+    // one: so a frame whose pixels are complete ends well, and one that still wants data fails.
+    int ReadLength(std::uint8_t& length) noexcept
+    {
+        std::size_t told = 0;
+        if (!rest.empty()) {
+            told = rest[0];
+            rest = rest.subspan(1);
+        } else {
+            ranDry = true;
+        }
+        const std::size_t held = std::min(told, rest.size());
+        ranDry = ranDry || held < told;
+        length = static_cast<std::uint8_t>(held);
+        lengthNext = held == 0;
+        return 1;
     }
 
     static int Callback(GifFileType* gif, GifByteType* to, int wanted) noexcept

@@ -92,6 +92,8 @@ def odd():
     save("local-only", screen(3, 2), frame(0, 0, 3, 2, picture, FOUR), b";")
     save("no-trailer", head, body)
     save("no-terminator", head, body[:-1])
+    save("no-terminator-but-trailer", head, body[:-1], b";")
+    save("last-block-longer-than-file", head, frame(0, 0, 3, 2, picture, data=b"\xC8" + codes(picture, 2)))
     save("garbage-behind", head, body, b"\x00\xFF\x2C\x01")
     save("stray-bytes", head, b"\0\0x", body, b";")
     save("empty-screen", screen(0, 0, FOUR), body, b";")
@@ -121,6 +123,8 @@ def odd():
     save("bad-work", screen(1, 2, FOUR), frame(0, 0, 65535, 65535, [2] * 16, interlaced=True), b";")
 
     save("bad-cut-data", head, frame(0, 0, 3, 2, picture, data=b"\x02" + codes(picture, 2)[:2]))
+    few = codes(picture[:5], 2, end=False)
+    save("bad-last-block-without-data", head, frame(0, 0, 3, 2, picture, data=blocks(few)[:-1] + b"\x01"))
     save("bad-few-pixels", head, frame(0, 0, 3, 2, picture[:4]), b";")
     save("bad-code", head, frame(0, 0, 3, 2, picture, data=blocks(b"\xFC\xFF\xFF")), b";")
     save("bad-code-size", head, frame(0, 0, 3, 2, picture, bits=12, data=blocks(b"\0\0\0")), b";")
