@@ -35,13 +35,16 @@ std::span<const std::uint16_t> ExtraSamples(TIFF* file)
     return { kinds, count };
 }
 
-// A page that does not say what its samples mean is taken by their number.
-unsigned Photometric(TIFF* file, const TiffPage& page)
+// A page that does not say what its samples mean is taken by their number. The library takes it for grey
+// and makes up extra samples to fit; only those that the file tells count.
+unsigned Photometric(const TiffFile& opened, const TiffPage& page)
 {
+    TIFF* const file = opened.Handle();
     std::uint16_t value = 0;
     if (TIFFGetField(file, TIFFTAG_PHOTOMETRIC, &value) != 0)
         return value;
-    if (page.samples - std::min<std::size_t>(ExtraSamples(file).size(), page.samples) >= 3)
+    const std::size_t extra = opened.TellsExtraSamples() ? ExtraSamples(file).size() : 0;
+    if (page.samples - std::min<std::size_t>(extra, page.samples) >= 3)
         return PHOTOMETRIC_RGB;
     const bool fax = page.compression >= COMPRESSION_CCITTRLE && page.compression <= COMPRESSION_CCITTFAX4;
     return fax ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_MINISBLACK;
@@ -193,7 +196,7 @@ TiffPage ReadPage(TiffFile& opened)
     if (TIFFIsCODECConfigured(static_cast<std::uint16_t>(page.compression)) == 0)
         throw UnsupportedFormatException("compression TIFF non prise en charge");
 
-    const unsigned photometric = Photometric(file, page);
+    const unsigned photometric = Photometric(opened, page);
     page.colour = ColourOf(file, photometric, page);
     page.colours = ColoursOf(page.colour);
     page.minIsWhite = photometric == PHOTOMETRIC_MINISWHITE;

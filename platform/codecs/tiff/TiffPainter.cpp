@@ -17,22 +17,33 @@ using Pixel = std::array<std::uint8_t, 4>;
 
 // ---- Tables: palettes, and grey of few bits
 
-// Half of the old writers filled the palette's 16-bit numbers with 8-bit ones.
-bool HasBytesOnly(const TiffPage& page, std::size_t colours)
+// Palettes hold 16-bit numbers, 65535 the lightest. Many writers had bytes to begin with and put them into
+// one half of each number, the lower or the upper; these are the factors that make full numbers of them.
+struct Widening {
+    unsigned factor, divisor;
+};
+
+Widening WideningOf(const TiffPage& page, std::size_t colours)
 {
-    return std::ranges::all_of(page.palette, [&](const std::uint16_t* channel) {
-        return std::all_of(channel, channel + colours, [](std::uint16_t v) { return v < 256; });
-    });
+    std::uint32_t bits = 0;
+    for (const std::uint16_t* const channel : page.palette) {
+        for (std::size_t i = 0; i < colours; ++i)
+            bits |= channel[i];
+    }
+    if (bits < 256)
+        return { 257, 1 };
+    return (bits & 255) == 0 ? Widening { 257, 256 } : Widening { 1, 1 };
 }
 
 std::vector<Pixel> PaletteColours(const TiffPage& page)
 {
     const std::size_t count = std::size_t { 1 } << page.bits;
-    const unsigned factor = HasBytesOnly(page, count) ? 257 : 1;
+    const Widening widening = WideningOf(page, count);
     std::vector<std::uint16_t> wide(4 * count, 65'535);
     for (std::size_t i = 0; i < count; ++i) {
         for (std::size_t c = 0; c < 3; ++c)
-            wide[4 * i + c] = static_cast<std::uint16_t>(page.palette[c][i] * factor);
+            wide[4 * i + c]
+                = static_cast<std::uint16_t>(page.palette[c][i] * widening.factor / widening.divisor);
     }
     std::vector<Pixel> colours(count);
     if (const Transform transform = ColourTransform::FromProfile(page.profile, Samples::Rgba16)) {

@@ -196,6 +196,10 @@ def colours():
     bytes_only = {320: (SHORT, [0, 255, 17, 1] + [255, 0, 99, 128] + [0, 0, 1, 200])}
     single("palette2-bytes", 7, 1, 2, 1, PALETTE, [pack(chosen, 2)], bytes_only)
     pam("palette2-bytes", [[tuple(bytes_only[320][1][i::4]) + (255,) for i in chosen]])
+    upper = [255, 128, 1] + [254, 0, 99] + [3, 77, 200]
+    single("palette2-upper-bytes", 3, 1, 2, 1, PALETTE, [pack([0, 1, 2], 2)],
+           {320: (SHORT, [upper[i] << 8 if i < 9 else 0 for c in range(3) for i in (*range(3 * c, 3 * c + 3), 9)])})
+    pam("palette2-upper-bytes", [[tuple(upper[i::3]) + (255,) for i in range(3)]])
     ramp = {320: (SHORT, [i * 97 % 65536 for i in range(1024)] * 3)}
     picked = [0, 1, 999, 700, 1023]
     single("palette10", 5, 1, 10, 1, PALETTE, [pack(picked, 10)], ramp)
@@ -219,6 +223,8 @@ def alphas():
                  for p in multiplied]
         pam(f"alpha{bits}-associated", [freed])
     pam("alpha", [straight])
+    several("rgb-untold", 8, 3, RGB, [p[:3] for p in straight], {262: None})
+    several("alpha-untold", 8, 4, RGB, straight, {262: None})
     pam("alpha-unspecified", [[p[:3] + (255,) for p in straight]])
     several("alpha-second", 8, 5, RGB, [p[:3] + (9,) + p[3:] for p in straight], {338: (SHORT, [0, 2])})
     several("grey-alpha", 8, 2, GREY, [(10, 255), (77, 0), (200, 33)], {338: (SHORT, [2])})
