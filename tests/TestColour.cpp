@@ -110,8 +110,9 @@ const GammaCase kGammas[] = {
     { "UsualNumberWithItsPrimaries", 0.45455, kSrgb, Samples::Rgba16, {}, {} },
     { "Zero", 0.0, {}, Samples::Rgba8, {}, {} },
     { "NotANumber", std::numeric_limits<double>::quiet_NaN(), {}, Samples::Rgba8, {}, {} },
-    { "PrimariesOnOneLine", 1.0, kOnOneLine, Samples::Rgba8, {}, {} },
-    { "WhiteWithoutLight", 1.0, kNoWhite, Samples::Rgba8, {}, {} },
+    { "PrimariesOnOneLine", 1.0, kOnOneLine, Samples::Rgba8, { 10, 128, 250, 5 }, { { 56, 188, 253, 5 } } },
+    { "WhiteWithoutLight", 1.0, kNoWhite, Samples::Rgba16, { 10, 128, 250, 5 }, { { 56, 188, 253, 5 } } },
+    { "UsualNumberWithoutWhite", 0.45455, kNoWhite, Samples::Rgba8, {}, {} },
 };
 
 class Gamma : public testing::TestWithParam<GammaCase> { };

@@ -165,9 +165,9 @@ Transform ColourTransform::FromGamma(double gamma, const std::optional<Primaries
 {
     constexpr double kOfSrgb = 0.45455; // stands for sRGB's own curve: PNG 3rd ed., 11.3.2.5
     constexpr double kLeast = 0.01, kMost = 100; // beyond, every sample is black or white
-    if (!(gamma >= kLeast && gamma <= kMost) || (primaries && !DescribesColour(*primaries)))
+    if (!(gamma >= kLeast && gamma <= kMost))
         return nullptr;
-    const bool srgbPrimaries = !primaries || IsSrgb(*primaries);
+    const bool srgbPrimaries = !primaries || !DescribesColour(*primaries) || IsSrgb(*primaries);
     if (srgbPrimaries && std::abs(gamma - kOfSrgb) < 0.0005)
         return nullptr;
     return UnlessSrgb(PowerOverPrimaries(1 / gamma, srgbPrimaries ? kSrgb : *primaries, from), from);

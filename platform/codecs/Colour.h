@@ -38,8 +38,9 @@ public:
     /// `from` (then the pixels are taken as untagged), and when it is sRGB in effect: nothing to do.
     [[nodiscard]] static std::shared_ptr<const ColourTransform> FromProfile(Bytes icc, Samples from);
 
-    /// linear = sample^(1/gamma), with sRGB's primaries when none are given; `gamma` as PNG's gAMA tells
-    /// it, 0.45455 for most. Null when that is sRGB in effect, and for numbers that describe no colour.
+    /// linear = sample^(1/gamma), with sRGB's primaries when none are given or those given span no colours;
+    /// `gamma` as PNG's gAMA tells it, 0.45455 for most. Null when that is sRGB in effect, and for a gamma
+    /// that is no curve.
     /// Only for Rgba8 and Rgba16.
     [[nodiscard]] static std::shared_ptr<const ColourTransform> FromGamma(
         double gamma, const std::optional<Primaries>& primaries, Samples from);
