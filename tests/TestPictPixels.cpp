@@ -58,6 +58,7 @@ constexpr Case kBitmaps[] = {
         "2(rrrr#### rrrr.... )2(####.#rg .....#rg )2(#...rrrr .#..rrrr ..#.rrrr ...#rrr. )" },
     { "StillPlanar", "quicktime-planar", kSix },
     { "StillOfAnotherCodecOnPaper", "quicktime-png", kSix },
+    { "StillUnderItsStandIn", "quicktime-stand-in", kSix },
     { "StillTiff", "quicktime-tiff", kSix },
     { "StillBmpFromTheLowestRow", "quicktime-bmp-4bit", kSix },
     { "StillBmpDownwards", "quicktime-bmp-24bit", kSix },

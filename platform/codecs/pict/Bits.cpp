@@ -67,10 +67,10 @@ void Pour(const PixelMap& map, Packing packing, ByteReader& in, Budget& budget, 
 
 } // namespace
 
-void DrawBits(int opcode, ByteReader& in, const Port& port, Canvas& canvas, Budget& budget)
+void DrawBits(int opcode, ByteReader& in, const Port& port, Canvas& canvas, Budget& budget, const Rect& taken)
 {
     const Placement place = ReadPlacement(opcode, in, port.offset, budget);
-    const bool drawn = !place.source.Empty() && !place.target.Empty();
+    const bool drawn = !place.source.Empty() && !place.target.Empty() && place.target != taken;
     const Rect wanted = drawn ? Intersect(place.target, canvas.Visible()) : Rect {};
     const Rect target = drawn ? place.target : Rect { 0, 0, 1, 1 };
     const Region* const mask = place.mask ? &*place.mask : nullptr;

@@ -56,6 +56,7 @@ private:
     Canvas canvas;
     Port port;
     TextPainter text;
+    Rect stillAt; ///< of the opcode before, when it was a still: some writers put a blank bitmap over it
     bool stillShown = false;
     bool fallbackBegun = false;
 };
@@ -108,6 +109,7 @@ bool Player::IsFallbackText(ByteReader data)
 
 void Player::Draw(int opcode, ByteReader& data)
 {
+    Rect shownAt;
     if (opcode >= kLine && opcode <= kShortLineFrom)
         DrawLine(opcode, data, port, canvas);
     else if (opcode >= kLongText && opcode <= kDhDvText) {
@@ -116,11 +118,12 @@ void Player::Draw(int opcode, ByteReader& data)
     } else if (opcode >= kRects && opcode < kBitsRect)
         DrawShape(opcode, data, port, canvas, budget);
     else if (IsBits(opcode))
-        DrawBits(opcode, data, port, canvas, budget);
+        DrawBits(opcode, data, port, canvas, budget, stillAt);
     else if (opcode == kCompressedQuickTime || opcode == kUncompressedQuickTime)
-        DrawQuickTime(opcode, data, port, canvas, budget, innerLimits);
+        shownAt = DrawQuickTime(opcode, data, port, canvas, budget, innerLimits);
     else if (opcode < kRects)
         Set(opcode, data, port, canvas, budget);
+    stillAt = shownAt;
 }
 
 } // namespace

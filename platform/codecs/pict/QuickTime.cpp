@@ -98,7 +98,7 @@ void Place(const Bitmap& bitmap, const Placement& place, Canvas& canvas)
     }
 }
 
-void DrawCompressed(ByteReader& data, const Mapping& map, const Port& port, Canvas& canvas, Budget& budget,
+Rect DrawCompressed(ByteReader& data, const Mapping& map, const Port& port, Canvas& canvas, Budget& budget,
     const Limits& limits)
 {
     SkipMatte(data);
@@ -119,24 +119,25 @@ void DrawCompressed(ByteReader& data, const Mapping& map, const Port& port, Canv
     place.target = Offset(map(place.source), port.offset);
     if (!place.target.Empty())
         Place(bitmap, place, canvas);
+    return place.target;
 }
 
 } // namespace
 
-void DrawQuickTime(
+Rect DrawQuickTime(
     int opcode, ByteReader& data, const Port& port, Canvas& canvas, Budget& budget, const Limits& limits)
 {
     data.Skip(4 + 2); // length, version
     const Mapping map = ReadMapping(data);
     if (opcode == kCompressedQuickTime) {
-        DrawCompressed(data, map, port, canvas, budget, limits);
-        return;
+        return DrawCompressed(data, map, port, canvas, budget, limits);
     }
     SkipMatte(data);
     const int bits = data.U16(); // an opcode of its own follows, with its own places
     if (!IsBits(bits))
         throw UnsupportedFormatException("image QuickTime endommagée");
     DrawBits(bits, data, port, canvas, budget);
+    return {};
 }
 
 } // namespace veltrane::codecs::pict

@@ -8,8 +8,9 @@ namespace veltrane::codecs::pict {
 
 /// Draws the compressed still that opcode 0x8200 holds, or the matted bitmap of 0x8201. `data` is all of
 /// the opcode's data. Raises UnsupportedFormatException, naming the compressor when it is one that we do
-/// not read. Source: Inside Macintosh: QuickTime, chapter 3, "Working With Pictures".
-void DrawQuickTime(
+/// not read. Gives where on the canvas the still of 0x8200 went; empty for 0x8201. Source: Inside Macintosh:
+/// QuickTime, chapter 3, "Working With Pictures".
+Rect DrawQuickTime(
     int opcode, ByteReader& data, const Port& port, Canvas& canvas, Budget& budget, const Limits& limits);
 
 } // namespace veltrane::codecs::pict

@@ -1,7 +1,9 @@
 #include "platform/codecs/png/PngColour.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "platform/codecs/ColourProfile.h"
 #include "platform/codecs/png/CodePointProfile.h"
 #include "platform/codecs/png/Inflate.h"
 
@@ -37,10 +39,14 @@ Transforms ColoursOf(const Chunks& chunks, Samples pixels)
         if (const auto profile = ProfileOf(*chunks.codePoints); !profile.empty())
             return { ColourTransform::FromProfile(profile, pixels), nullptr };
     }
+    const bool grey = IsGrey(chunks.header.colour);
     if (const auto profile = EmbeddedProfile(chunks.profile); !profile.empty()) {
-        if (IsGrey(chunks.header.colour))
-            return { nullptr, ColourTransform::FromProfile(profile, Samples::Grey8) };
-        return { ColourTransform::FromProfile(profile, pixels), nullptr };
+        const Samples samples = grey ? Samples::Grey8 : pixels;
+        auto transform = ColourTransform::FromProfile(profile, samples);
+        // None at all is for sRGB, or for what is no such profile: that one leaves gAMA in force.
+        if (transform || !chunks.gamma || ReadProfile(profile, samples))
+            return grey ? Transforms { nullptr, std::move(transform) }
+                        : Transforms { std::move(transform), nullptr };
     }
     // Primaries without a curve describe no colour: the file is taken as untagged.
     if (chunks.srgb || !chunks.gamma)

@@ -379,6 +379,10 @@ def whole_files():
     rgba = [b"".join(bytes(p) + b"\xff" for p in SIX[:3]), bytes([0, 0, 0, 0]) + b"\0\0\0\xff\xff\0\0\xff"]
     hidden = fallback(op(0x31, rect(0, 0, 8, 8)))
     yield "quicktime-png", version2((0, 0, 3, 2), quick_time(b"png ", png(3, 2, rgba), 3, 2, 32, b"PNG"), hidden)
+    # Some writers put a blank bitmap over the still at once, for readers that know no stills.
+    blank = op(0x9A, words(0, 0xFF), pix_map(3, 2, 32, 3, 1), place(3, 2), bytes(4 * 6))
+    yield "quicktime-stand-in", version2(
+        (0, 0, 3, 2), quick_time(b"png ", png(3, 2, rgba), 3, 2, 32, b"PNG"), blank)
     numbers = bmp(3, 2, 4, [WHITE, RED, GREEN, BLUE, BLACK], [bytes([0x04, 0x10]), bytes([0x12, 0x30])])
     yield "quicktime-bmp-4bit", version2((0, 0, 3, 2), quick_time(b"BMP ", numbers, 3, 2, 4, b"BMP", table_id=4), hidden)
     triples = bmp(3, -2, 24, [], [b"".join(bytes(reversed(p)) for p in row) for row in (SIX[:3], SIX[3:])])

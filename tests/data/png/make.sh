@@ -193,6 +193,9 @@ def from_2020(r, g, b):
             -0.0181508 * r - 0.1005789 * g + 1.1187297 * b)
 GAMMA1 = chunk(b'gAMA', struct.pack('>I', 100000))
 good('gamma-1', [HEAD, GAMMA1, DATA, END], in_srgb(RGBA_ROWS, lambda v: v))
+good('gamma-behind-no-profile',
+     [HEAD, GAMMA1, chunk(b'iCCP', b'x\0\0' + zlib.compress(b'nonsense' * 40)), DATA, END],
+     in_srgb(RGBA_ROWS, lambda v: v))
 good('gamma-0.55', [HEAD, chunk(b'gAMA', struct.pack('>I', 55000)), DATA, END],
      in_srgb(RGBA_ROWS, lambda v: v ** (1 / 0.55)))
 good('code-points-p3', [HEAD, chunk(b'cICP', bytes([12, 13, 0, 1])), GAMMA1, DATA, END],
