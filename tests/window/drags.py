@@ -48,14 +48,14 @@ class Drag:
     def heard(self, word):
         until(lambda: word in self.told, f"the sender to tell {word!r} (told: {self.told})")
 
-    def carry_over(self, program):
-        """Presses, moves, and stays over the middle of the window."""
+    def carry_over(self, program, scale=1):
+        """Presses, moves, and stays over the middle of the window, which a screen of that scale shows."""
         left, top, width, height = until(lambda: program.find("frame"), "the window").box
         pointer("mousemove", 50, 50, "mousedown", 1)
         for step in range(1, 6):
             pointer("mousemove", 50 + 8 * step, 50 + 8 * step)
         self.heard("begun")
-        self.middle = left + width // 2, top + height // 2
+        self.middle = round(scale * (left + width // 2)), round(scale * (top + height // 2))
         pointer("mousemove", *self.middle)
         self.jiggle(program)
 
@@ -69,8 +69,8 @@ class Drag:
         pointer("mouseup", 1)
         self.heard("ended")
 
-    def drop_on(self, program):
+    def drop_on(self, program, scale=1):
         """The whole way, for what the window takes."""
-        self.carry_over(program)
+        self.carry_over(program, scale)
         self.heard("takes")
         self.release()

@@ -19,7 +19,14 @@ def make(path, colour=None, size="120x80", kind=None):
 def noise(path, size):
     """A picture that no format makes small."""
     with open(path, "wb") as file:
-        file.write(_converted(path.suffix[1:], "-size", size, "xc:", "+noise", "Random"))
+        file.write(_converted(path.suffix[1:], "-size", size, "xc:", "+noise", "Random", "-depth", "8"))
+
+
+def stripes(path, colours, size):
+    """Upright stripes side by side, each of a size and of a colour as ImageMagick writes it."""
+    what = [part for colour in colours for part in ("-size", size, f"xc:{colour}")]
+    with open(path, "wb") as file:
+        file.write(_converted(path.suffix[1:], *what, "+append"))
 
 
 @functools.cache

@@ -12,7 +12,7 @@ ROOT = Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 
 from desk.screen import Screen  # noqa: E402
-from desk.wait import until  # noqa: E402, F401
+from desk.wait import Overdue, until  # noqa: E402, F401
 
 NOT_BUILT = 77  # ctest counts it as skipped
 PROGRAM = os.environ.get("VELTRANE", str(ROOT / "build/release/Veltrane"))
@@ -82,12 +82,12 @@ def _row(name, check, screen):
         shutil.rmtree(folder)
 
 
-def check(rows):
+def check(rows, screen=(1280, 1024)):
     """Runs a table of (name, check) on one screen; with arguments, the rows whose names hold one of them."""
     if not os.access(PROGRAM, os.X_OK):
         print(f"not built: {PROGRAM}")
         sys.exit(NOT_BUILT)
     wanted = [row for row in rows if not sys.argv[1:] or any(part in row[0] for part in sys.argv[1:])]
-    with Screen() as screen:
-        passed = [_row(name, check, screen) for name, check in wanted]
+    with Screen(*screen) as desk:
+        passed = [_row(name, check, desk) for name, check in wanted]
     sys.exit(0 if passed and all(passed) else 1)
