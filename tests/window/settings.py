@@ -2,6 +2,7 @@
 """The settings are kept from one run to the next, whatever lies in their place."""
 
 import os
+import signal
 
 import pictures
 from table import check, equal, until
@@ -41,9 +42,13 @@ def changed_lines(place):
     equal(stored["ConversionPNG"] != "OK", True, "PNG stored as clear")
 
 
+# A program that is started in the background by some shells ignores what the keyboard sends.
+USUAL_SIGNALS = ("env", "--default-signal=INT,HUP")
+
+
 def kept(how):
     def row(place):
-        with place.start() as program:
+        with place.start(prefix=USUAL_SIGNALS) as program:
             equal(state(program), FIRST, "a first run")
             change(program)
             how(program)
@@ -65,6 +70,19 @@ def quit_by_menu(program):
     program.keys("alt+f")
     until(lambda: program.find("menu item", "Quit").has("showing"), "the menu")
     program.keys("q")
+
+
+def sent(number):
+    return lambda program: program.send(number)
+
+
+def outlives_its_terminal(place):
+    with place.start(prefix=("env", "--ignore-signal=HUP")) as program:
+        equal(state(program), FIRST, "a first run")
+        program.send(signal.SIGHUP)
+        change(program)
+        equal(program.close(), 0, "exit status")
+    changed_lines(place)
 
 
 def unknown_key(place):
@@ -131,7 +149,10 @@ check(
         ("closed by the window manager, the settings are kept", kept(lambda program: program.ask_to_close())),
         ("quit by Ctrl+Q, the settings are kept", kept(quit_by_keys)),
         ("quit by the menu, the settings are kept", kept(quit_by_menu)),
-        ("ended by SIGTERM, the settings are kept", kept(lambda program: program.terminate())),
+        ("ended by SIGTERM, the settings are kept", kept(sent(signal.SIGTERM))),
+        ("ended by SIGINT, the settings are kept", kept(sent(signal.SIGINT))),
+        ("ended by SIGHUP, the settings are kept", kept(sent(signal.SIGHUP))),
+        ("under nohup it outlives its terminal", outlives_its_terminal),
         ("a key that is not ours is stored again", unknown_key),
         ("an empty file", starts(lambda: b"", FIRST)),
         ("a file of garbage", starts(lambda: bytes(range(256)).replace(b"=", b"") * 40, FIRST)),

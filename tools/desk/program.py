@@ -206,8 +206,12 @@ class Program:
         """Asks the window manager, as the close button does."""
         run("wmctrl", "-i", "-c", str(self.shown()))
 
+    def send(self, number):
+        """Sends a signal."""
+        self.process.send_signal(number)
+
     def terminate(self):
-        self.process.send_signal(signal.SIGTERM)
+        self.send(signal.SIGTERM)
 
     def ended(self):
         """Waits for the end; the exit status."""

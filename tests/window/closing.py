@@ -1,0 +1,99 @@
+#!/usr/bin/python3
+"""Whatever ends the program in the middle of a drop, no half of a file is left: closing.py [--all] [ROW...]
+
+With --all it is closed at ten moments, without at three of them.
+"""
+
+import signal
+import subprocess
+import sys
+
+import pictures
+from drags import Drag, uri_list
+from table import check, equal, names, until
+
+FILES = 300
+MOMENTS = (1, 7, 20, 45, 80, 120, 160, 200, 250, 290)
+USUAL = (1, 45, 290)
+# A program that is started in the background by some shells ignores what the keyboard sends.
+UNDER_A_SHELL = ("env", "--default-signal=INT,HUP")
+SETTINGS = ["ConversionJPG=ko", "ConversionPNG=OK", "TauxJPG=42"]
+
+
+def drop_all(place, program):
+    files = [place.pictures / f"{number:03}.gif" for number in range(FILES)]
+    for file in files:
+        pictures.make(file, size="500x400")
+    with Drag(place, uri_list(files)) as drag:
+        drag.drop_on(program)
+    return files
+
+
+def stop_at(program, copy):
+    """Freezes the program once a copy has appeared: how it is ended then takes no time of its drop."""
+    until(copy.exists, f"the copy {copy.name}")
+    program.send(signal.SIGSTOP)
+
+
+def whole(place, files, source):
+    """Every copy is whole and all are one, every source is what it was, and nothing else lies there."""
+    copies = [file.with_suffix(".png") for file in files if file.with_suffix(".png").exists()]
+    read = subprocess.run(["pngcheck", "-q", *copies], capture_output=True, text=True, check=False)
+    equal((read.returncode, read.stdout), (0, ""), "pngcheck on the copies")
+    equal({pictures.digest(file) for file in copies}, {pictures.digest(copies[0])}, "the copies")
+    equal(pictures.pixels(copies[0]), pictures.pixels(files[0]), "the copies' pixels")
+    equal({pictures.digest(file) for file in files}, {source}, "the sources")
+    equal(copies, [file.with_suffix(".png") for file in files[: len(copies)]], "the copies, in order")
+    equal(len(names(place.pictures)), len(files) + len(copies), "how many files lie in the folder")
+    return len(copies)
+
+
+def ended_at(moment, end):
+    def row(place):
+        place.prefer("\n".join(SETTINGS) + "\n")
+        with place.start(prefix=UNDER_A_SHELL) as program:
+            program.idle(0)
+            files = drop_all(place, program)
+            source = pictures.digest(files[0])
+            stop_at(program, files[moment - 1].with_suffix(".png"))
+            (place.settings / "Veltrane.pref").unlink()
+            end(program)
+            program.send(signal.SIGCONT)
+            equal(program.ended(), 0, "exit status")
+        copies = whole(place, files, source)
+        equal(moment <= copies < FILES, True, f"ended in the middle ({copies} copies)")
+        equal(sorted(place.preferred()), SETTINGS, "the settings, stored anew")
+        equal(names(place.settings), [b"Veltrane.pref", b"offered"], "the folder of settings")
+
+    return row
+
+
+def closed(program):
+    program.ask_to_close()
+
+
+def sent(number):
+    return lambda program: program.send(number)
+
+
+def twice(program):
+    program.send(signal.SIGTERM)
+    program.ask_to_close()
+    program.send(signal.SIGINT)
+
+
+every = "--all" in sys.argv
+sys.argv = [argument for argument in sys.argv if argument != "--all"]
+
+check(
+    [
+        *[
+            (f"closed after copy {moment}", ended_at(moment, closed))
+            for moment in (MOMENTS if every else USUAL)
+        ],
+        ("ended by SIGTERM in the middle", ended_at(20, sent(signal.SIGTERM))),
+        ("ended by SIGINT in the middle", ended_at(20, sent(signal.SIGINT))),
+        ("ended by SIGHUP in the middle", ended_at(20, sent(signal.SIGHUP))),
+        ("asked to end again and again", ended_at(20, twice)),
+    ]
+)
