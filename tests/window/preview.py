@@ -98,11 +98,12 @@ def resized_under_load(place):
     """At rest nothing is left of an earlier picture, nor of an earlier size."""
     files = [place.pictures / f"{number:03}.gif" for number in range(300)]
     for number, file in enumerate(files):
-        pictures.make(file, size=["800x600", "400x700"][number % 2])
-    pictures.make(files[-1], pictures.BLUE, size="1000x800")
+        pictures.make(file, size=["800x640", "400x700"][number % 2])
+    # As large as the one before it: only its pixels tell them apart.
+    pictures.make(files[-1], pictures.BLUE, size="800x640")
 
     def wanted(width, height):
-        left, top, own_width, own_height = fitted((1000, 800), (width, height))
+        left, top, own_width, own_height = fitted((800, 640), (width, height))
         return plain(width, height, WHITE).laid(plain(own_width, own_height, pictures.BLUE), left, top)
 
     with place.start() as program:
