@@ -147,7 +147,7 @@ private:
     }
 
     // Near both ends some rows have not begun or are done. Those that have not begun compute zeros, which
-    // is what the specification wants left of the first pixel.
+    // is what the format wants left of the first pixel.
     template<std::size_t kStep>
     [[gnu::always_inline]] void StepAtEnds(std::size_t t)
     {
