@@ -8,6 +8,7 @@
 #include <QScreen>
 #include <QStyle>
 #include <QUrl>
+#include <QWindow>
 #include <algorithm>
 
 #include "platform/DragItem.h"
@@ -77,6 +78,14 @@ void MainWindow::SizeContent(QSize wanted)
     const QSize decoration(0, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this));
     resize(whole.boundedTo(screen()->availableSize() - decoration));
     layout()->activate();
+}
+
+// At a scale factor the toolkit has windows grow in steps of whole units, and left unset it begins them at -2
+// pixels: a window manager then gives a unit less than was asked.
+void MainWindow::BeginStepsAtZero()
+{
+    (void)winId(); // makes the window handle
+    windowHandle()->setBaseSize(QSize(0, 0));
 }
 
 void MainWindow::BoundSize()

@@ -19,6 +19,9 @@ public:
     /// Fills the menu bar from the window's, and shows it if the window says so.
     void ShowMenuBar();
 
+    /// Has window managers give the size that is asked for, at any scale; before the window is first shown.
+    void BeginStepsAtZero();
+
     /// Gives the content the size that the window states, and the bounds of it.
     void TakeSizeOfWindow();
 

@@ -15,6 +15,7 @@ QtWindowPeer::QtWindowPeer(Window& window, Turns& turns)
 void QtWindowPeer::Show()
 {
     if (!frame.isVisible()) {
+        frame.BeginStepsAtZero();
         frame.Content().RenewUnit();
         frame.TakeSizeOfWindow();
         frame.Content().FocusFirst();
