@@ -45,8 +45,8 @@ FileWriter::FileWriter(const std::string& path, FileCalls& calls)
         Fail();
     ExamineTarget();
     SweepLeftOvers();
+    buffer.reserve(kBufferSize); // while there is nothing yet that a failure could leave behind
     OpenTemporary();
-    buffer.reserve(kBufferSize);
     if (oldMode && calls.ChangeMode(file.Get(), *oldMode) != 0) {
         const int error = errno;
         if (temporaryName != nullptr)
