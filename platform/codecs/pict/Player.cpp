@@ -1,6 +1,5 @@
 #include "platform/codecs/pict/Player.h"
 
-#include <algorithm>
 #include <string_view>
 
 #include "platform/codecs/pict/Bits.h"
@@ -101,9 +100,8 @@ bool Player::IsFallbackText(ByteReader data)
 {
     constexpr std::string_view kFirstWord = "QuickTime";
     const Bytes bytes = data.Take(data.Remaining());
-    const auto found
-        = std::ranges::search(bytes, kFirstWord, {}, {}, [](char c) { return static_cast<std::uint8_t>(c); });
-    fallbackBegun = fallbackBegun || (stillShown && !found.empty());
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    fallbackBegun = fallbackBegun || (stillShown && text.find(kFirstWord) != std::string_view::npos);
     return fallbackBegun;
 }
 
