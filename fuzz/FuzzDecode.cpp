@@ -19,7 +19,7 @@ public:
 };
 
 // Below what the fuzzer itself may use, so that an allocation past the limits shows.
-constexpr codecs::Limits kSmall { .maxSide = 4096, .maxBytes = 64 << 20 };
+constexpr codecs::Limits kSmall { .maxSide = 2048, .maxBytes = 40 << 20 };
 
 } // namespace
 
