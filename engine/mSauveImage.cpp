@@ -15,6 +15,15 @@ String BaseName(const String& name)
     return base;
 }
 
+// The source must not change, also where it is a link that leads to its own copy's place.
+Ref<FolderItem> CopyOf(const Ref<FolderItem>& source, const char* suffix)
+{
+    const Ref<FolderItem> copy = source->Parent()->Child(BaseName(source->Name()) + suffix);
+    if (copy && copy->IsBehind(*source))
+        throw IOException("« " + copy->Name() + " » est le fichier d'origine");
+    return copy;
+}
+
 } // namespace
 
 void WVeltrane::mSauveImage(bool bJPG, bool bPNG)
@@ -26,12 +35,12 @@ void WVeltrane::mSauveImage(bool bJPG, bool bPNG)
     }
     try {
         if (bJPG) {
-            const Ref<FolderItem> copy = folder->Child(BaseName(pFich->Name()) + ".jpg");
+            const Ref<FolderItem> copy = CopyOf(pFich, ".jpg");
             const std::int64_t quality = SLQualite()->Value();
             pImage->Save(copy, FormatCodeJPEG, quality);
         }
         if (bPNG) {
-            const Ref<FolderItem> copy = folder->Child(BaseName(pFich->Name()) + ".png");
+            const Ref<FolderItem> copy = CopyOf(pFich, ".png");
             pImage->Save(copy, FormatCodePNG, Picture::DefaultQuality);
         }
     } catch (const RuntimeException& failure) {

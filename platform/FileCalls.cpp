@@ -12,6 +12,8 @@ namespace {
 
 constexpr mode_t kUsersChoice = 0666; // narrowed by the umask
 
+FileCalls* replacement = nullptr;
+
 std::string DescriptorPath(int file)
 {
     return "/proc/self/fd/" + std::to_string(file);
@@ -23,6 +25,16 @@ FileCalls& FileCalls::System() noexcept
 {
     static FileCalls calls;
     return calls;
+}
+
+FileCalls& FileCalls::Current() noexcept
+{
+    return replacement != nullptr ? *replacement : System();
+}
+
+void FileCalls::Replace(FileCalls* calls) noexcept
+{
+    replacement = calls;
 }
 
 int FileCalls::OpenFolder(const std::string& path)
@@ -108,6 +120,11 @@ int FileCalls::StatName(int folder, const char* name, struct stat& found)
 int FileCalls::MayWrite(int folder, const char* name)
 {
     return faccessat(folder, name, W_OK, AT_EACCESS);
+}
+
+ssize_t FileCalls::ReadLink(const char* path, char* target, std::size_t size)
+{
+    return readlink(path, target, size);
 }
 
 } // namespace veltrane

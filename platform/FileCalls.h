@@ -17,6 +17,13 @@ public:
     /// The calls of the system itself.
     [[nodiscard]] static FileCalls& System() noexcept;
 
+    /// The calls that writers take when they are told no others: the system's, unless Replace gave some.
+    [[nodiscard]] static FileCalls& Current() noexcept;
+
+    /// Has all writers that are made from now on take these calls, which must outlive them; null brings the
+    /// system's back.
+    static void Replace(FileCalls* calls) noexcept;
+
     virtual int OpenFolder(const std::string& path);
 
     /// A file without a name in the folder; fails with EOPNOTSUPP where there is no way to name it later.
@@ -35,6 +42,7 @@ public:
     virtual int Stat(int file, struct stat& found);
     virtual int StatName(int folder, const char* name, struct stat& found); ///< of a link: the link itself
     virtual int MayWrite(int folder, const char* name);
+    virtual ssize_t ReadLink(const char* path, char* target, std::size_t size); ///< no NUL behind the target
 };
 
 } // namespace veltrane

@@ -26,7 +26,7 @@ class FileWriter final : public codecs::Sink {
 public:
     /// Opens the writer for the file at the absolute `path`. Raises IOException when it cannot be written:
     /// no such folder, no permission, a folder or device in its place, a name too long.
-    explicit FileWriter(const std::string& path, FileCalls& calls = FileCalls::System());
+    explicit FileWriter(const std::string& path, FileCalls& calls = FileCalls::Current());
     ~FileWriter() override;
     FileWriter(const FileWriter&) = delete;
     FileWriter& operator=(const FileWriter&) = delete;

@@ -11,6 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/Links.h"
+
 namespace veltrane {
 
 namespace {
@@ -75,6 +77,24 @@ bool FolderItem::IsWriteable() const
     // Writing into a folder takes the right to walk through it besides.
     const int wanted = S_ISDIR(found.st_mode) ? W_OK | X_OK : W_OK;
     return faccessat(AT_FDCWD, path.c_str(), wanted, AT_EACCESS) == 0;
+}
+
+bool FolderItem::IsBehind(const FolderItem& other) const
+{
+    struct stat here;
+    if (lstat(path.c_str(), &here) != 0)
+        return false;
+    std::string way = other.path;
+    for (int followed = 0; followed <= kMostLinks && !way.empty(); ++followed) {
+        struct stat step;
+        if (lstat(way.c_str(), &step) != 0)
+            return false;
+        // A file with one name that is met under two is mounted at one of them.
+        if (step.st_dev == here.st_dev && step.st_ino == here.st_ino)
+            return followed > 0 || way == path || here.st_nlink == 1;
+        way = LinkTarget(way);
+    }
+    return false;
 }
 
 Ref<FolderItem> FolderItem::Child(const String& name) const

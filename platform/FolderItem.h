@@ -31,6 +31,11 @@ public:
     /// system, so that permissions and read-only mounts both count.
     [[nodiscard]] bool IsWriteable() const;
 
+    /// True when `other` leads here, over links or a mount, or is the same path: a new file in this one's
+    /// place would be what `other` gives from then on. A second name of one file (a hard link) does not
+    /// lead here. Raises IOException when a link cannot be read.
+    [[nodiscard]] bool IsBehind(const FolderItem& other) const;
+
     /// The item of that name inside this folder, whether or not it exists; nil for what is no name: empty,
     /// ".", "..", or with a "/" or NUL in it.
     [[nodiscard]] Ref<FolderItem> Child(const String& name) const;

@@ -1,81 +1,24 @@
-#include <array>
 #include <cerrno>
-#include <vector>
+#include <csignal>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/Exceptions.h"
 #include "platform/FileWriter.h"
-#include "tests/Naming.h"
+#include "tests/FaultyCalls.h"
 #include "tests/Scratch.h"
 
 using namespace veltrane;
+using tests::FaultyCalls;
 using tests::Scratch;
+using tests::Unnamed;
 
 namespace {
-
-enum class Unnamed { Yes, No };
-
-// The system's calls, the n-th of which fails; some fail by doing half.
-class FailingCalls final : public FileCalls {
-public:
-    FailingCalls(Unnamed unnamed, int failing, int error) : unnamed(unnamed), failing(failing), error(error)
-    {
-    }
-    [[nodiscard]] bool Failed() const noexcept { return made >= failing; }
-
-    /// Whether the user has to hear of the call that failed: all but the closing of what is done with.
-    [[nodiscard]] bool MustBeTold() const noexcept { return mustBeTold; }
-
-    int OpenFolder(const std::string& p) override { return Fails() ? -1 : FileCalls::OpenFolder(p); }
-    int OpenUnnamed(int d) override
-    {
-        if (unnamed == Unnamed::No) {
-            errno = EOPNOTSUPP;
-            return -1;
-        }
-        return Fails() ? -1 : FileCalls::OpenUnnamed(d);
-    }
-    int CreateNamed(int d, const char* n) override { return Fails() ? -1 : FileCalls::CreateNamed(d, n); }
-    int ChangeMode(int f, mode_t m) override { return Fails() ? -1 : FileCalls::ChangeMode(f, m); }
-    ssize_t Write(int f, const void* b, std::size_t n) override
-    {
-        if (Fails())
-            return -1;
-        return FileCalls::Write(f, b, n > 1 ? n / 2 : n); // short writes are no failures
-    }
-    int Sync(int f) override { return Fails() ? -1 : FileCalls::Sync(f); }
-    int Duplicate(int f) override { return Fails() ? -1 : duplicate = FileCalls::Duplicate(f); }
-    int Close(int f) override
-    {
-        const bool fails = Fails(); // the system closes a descriptor also when it tells a failure
-        mustBeTold = fails ? f == duplicate : mustBeTold;
-        const int result = FileCalls::Close(f);
-        errno = error;
-        return fails ? -1 : result;
-    }
-    int Link(int f, int d, const char* n) override { return Fails() ? -1 : FileCalls::Link(f, d, n); }
-    int Rename(int d, const char* a, const char* b) override
-    {
-        return Fails() ? -1 : FileCalls::Rename(d, a, b);
-    }
-
-private:
-    bool Fails()
-    {
-        errno = error;
-        const bool fails = ++made == failing;
-        mustBeTold = mustBeTold || fails;
-        return fails;
-    }
-    Unnamed unnamed;
-    int failing, error, made = 0, duplicate = -1;
-    bool mustBeTold = false;
-};
 
 const std::string kOld = "old content";
 const std::string kNew(700'000, 'n'); // more than the writer's buffer
@@ -96,10 +39,11 @@ TEST_P(Faults, LeaveTheOldFileOrTheNewOne)
 {
     const auto [unnamed, error] = GetParam();
     int failures = 0;
-    for (int n = 1;; ++n) {
+    bool met = true;
+    for (int n = 1; met; ++n) {
         const Scratch folder;
         folder.Write("a.png", kOld);
-        FailingCalls calls(unnamed, n, error);
+        FaultyCalls calls(unnamed, n, error);
         bool told = false;
         try {
             Save(folder.Path("a.png"), calls, kNew);
@@ -111,15 +55,62 @@ TEST_P(Faults, LeaveTheOldFileOrTheNewOne)
         EXPECT_EQ(folder.Names(), "a.png") << "call " << n;
         EXPECT_TRUE(told || !calls.MustBeTold()) << "call " << n;
         EXPECT_EQ(folder.Read("a.png") == (told ? kOld : kNew), true) << "call " << n;
-        if (!calls.Failed())
-            break;
+        met = calls.Met();
         failures += told ? 1 : 0;
     }
     EXPECT_GE(failures, 8) << "the sweep met too few failures to prove anything";
 }
 
 INSTANTIATE_TEST_SUITE_P(FileWriter, Faults,
-    testing::Combine(testing::Values(Unnamed::Yes, Unnamed::No), testing::Values(ENOSPC, EIO, EDQUOT)));
+    testing::Combine(
+        testing::Values(Unnamed::Yes, Unnamed::No), testing::Values(ENOSPC, EIO, EDQUOT, EACCES, EINTR)));
+
+// Dies at the n-th call, as a process that is killed does.
+class DeadlyCalls final : public FaultyCalls {
+public:
+    using FaultyCalls::FaultyCalls;
+
+private:
+    void Meet() override { raise(SIGKILL); }
+};
+
+// Whether a process that saves was killed at its n-th call.
+bool KilledAt(int n, Unnamed unnamed, const std::string& path)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        DeadlyCalls calls(unnamed, n, 0);
+        Save(path, calls, kNew);
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
+class Deaths : public testing::TestWithParam<Unnamed> { };
+
+// Killed between any two calls: the old file or the new one, at most one name beside it, gone after a save.
+TEST_P(Deaths, LeaveTheOldFileOrTheNewOne)
+{
+    int n = 0, leftOvers = 0;
+    for (bool killed = true; killed;) {
+        const Scratch folder;
+        folder.Write("a.png", kOld);
+        killed = KilledAt(++n, GetParam(), folder.Path("a.png"));
+        const std::string content = folder.Read("a.png");
+        EXPECT_TRUE(content == kOld || content == kNew) << "call " << n;
+        const std::string names = folder.Names();
+        EXPECT_TRUE(names == "a.png" || names == ".veltrane-0.tmp a.png") << "call " << n << ": " << names;
+        leftOvers += names == "a.png" ? 0 : 1;
+        Save(folder.Path("b.png"), FileCalls::System(), kNew);
+        EXPECT_EQ(folder.Names(), "a.png b.png") << "call " << n;
+    }
+    EXPECT_GE(n, 20) << "too few deaths to prove anything";
+    EXPECT_GE(leftOvers, 2) << "no name was left for the next save to take away";
+}
+
+INSTANTIATE_TEST_SUITE_P(FileWriter, Deaths, testing::Values(Unnamed::Yes, Unnamed::No));
 
 mode_t Mode(const std::string& path)
 {
