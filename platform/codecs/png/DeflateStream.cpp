@@ -24,8 +24,9 @@ void PutNumber(std::uint8_t* to, std::uint32_t number) noexcept
 
 } // namespace
 
-DeflateStream::DeflateStream(Sink& to, std::size_t most)
+DeflateStream::DeflateStream(Sink& to, std::size_t most, std::size_t step)
     : sink(to)
+    , step(step)
     , window(kWindow + most + 8)
     , out(kChunkHead + kChunkGoal + BlockBound(most) + 16)
     , writer(out.data() + kChunkHead)
@@ -56,7 +57,7 @@ void DeflateStream::WriteBlocks(std::size_t end, Likeness likeness, bool last)
         if (likeness == Likeness::Residues)
             FindRuns({ data + at, end - at }, block);
         else
-            next = finder.Cut(data, origin, at, end, block);
+            next = finder.Cut(data, origin, at, end, step, block);
         WriteBlock(writer, block, { data + at, next - at }, last && next == end);
         WriteChunk(false);
     }

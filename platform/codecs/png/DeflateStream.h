@@ -20,8 +20,9 @@ enum class Likeness {
 /// Writes one zlib stream as IDAT chunks. Memory: the window, a band and its compressed form.
 class DeflateStream {
 public:
-    /// `most`: bytes in the largest band. `to` must outlive this.
-    DeflateStream(Sink& to, std::size_t most);
+    /// `most`: bytes in the largest band. `step`: bytes of a pixel, 1 where it takes less. `to` must outlive
+    /// this.
+    DeflateStream(Sink& to, std::size_t most, std::size_t step);
 
     /// The room for the next band: `most` bytes, good until Write.
     [[nodiscard]] std::uint8_t* Room() noexcept { return window.data() + kept; }
@@ -35,6 +36,7 @@ private:
     void WriteChunk(bool last);
 
     Sink& sink;
+    std::size_t step;
     std::vector<std::uint8_t> window; ///< what came before, as far as matches reach, then the band
     std::size_t kept = 0;
     std::uint32_t origin = kWindow + 1; ///< position in the stream of the window's first byte; not 0, which

@@ -95,7 +95,7 @@ public:
         , width(static_cast<std::size_t>(picture.Width()))
         , rowBytes((width * form.BitsPerPixel() + 7) / 8)
         , bandRows(static_cast<int>(std::max<std::size_t>(1, kBandGoal / (rowBytes + 1))))
-        , stream(sink, static_cast<std::size_t>(bandRows) * (rowBytes + 1) + kRowMargin)
+        , stream(sink, static_cast<std::size_t>(bandRows) * (rowBytes + 1) + kRowMargin, form.Step())
         , current(std::max(rowBytes, width))
         , above(std::max(rowBytes, width))
     {

@@ -9,8 +9,14 @@ namespace veltrane::codecs::png {
 namespace {
 
 constexpr int kHashBits = 15, kThreesBits = 14;
-constexpr int kDepth = 35; // candidates looked at; more finds little
-constexpr unsigned kNice = 65; // a match this long is taken without a look at the next position
+constexpr unsigned kNice = kLongestMatch; // a match this long is taken without a look at the next position
+constexpr std::size_t kRun = 16; // a match this long that repeats the last pixel is a run
+
+// How many candidates are looked at. A texture has many and none much better than the first, a drawing few
+// places that matter, between long matches which cost nothing: so every matched byte earns one look,
+// and looks beyond that are a debt.
+constexpr int kLeastDepth = 24, kMostDepth = 400, kMostCredit = 4000;
+
 constexpr unsigned kNearby = 8192; // matches of three bytes from further away cost more than literals
 constexpr std::size_t kEnoughSequences = 12'000; // of a block: statistics change along a picture
 
@@ -74,7 +80,7 @@ MatchFinder::Match MatchFinder::Find(const Stretch& in, std::size_t at, unsigned
     if (longerThan < 3 && near - 1 < std::min<std::size_t>(reach, kNearby)
         && std::memcmp(here, here - near, 3) == 0)
         best = { 3, near };
-    for (std::uint32_t last = 0; depth > 0; --depth) {
+    for (std::uint32_t last = 0; depth > 0; --depth, --credit) {
         const std::uint32_t distance = position - candidate;
         if (distance <= last || distance > reach)
             break;
@@ -115,21 +121,23 @@ void MatchFinder::Skip(const Stretch& in, std::size_t from, std::size_t to)
         Note(in, from);
 }
 
-std::size_t MatchFinder::Cut(
-    const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to, Block& block)
+std::size_t MatchFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to,
+    std::size_t step, Block& block)
 {
     const Stretch in { data, origin, to };
     block.Clear();
     std::size_t at = from, literalsFrom = from;
     while (at < to && block.sequences.size() < kEnoughSequences) {
-        Match match = Find(in, at, 2, kDepth);
+        credit = std::clamp(credit, -kMostCredit, kMostCredit);
+        const int depth = std::clamp(credit, kLeastDepth, kMostDepth);
+        Match match = Find(in, at, 2, depth);
         if (match.length == 0) {
             ++block.literals[data[at++]];
             continue;
         }
         std::size_t noted = at + 1;
         while (match.length < kNice) { // a better match one byte on is worth a literal
-            const Match next = Find(in, at + 1, match.length - 1, kDepth / 2);
+            const Match next = Find(in, at + 1, match.length - 1, depth / 2);
             ++noted;
             if (next.length == 0 || Worth(next) <= Worth(match) + 2)
                 break;
@@ -138,6 +146,9 @@ std::size_t MatchFinder::Cut(
         }
         block.AddMatch(static_cast<std::uint32_t>(at - literalsFrom), match.length, match.distance);
         at += match.length;
+        credit += static_cast<int>(match.length);
+        if (match.distance <= step && match.length > kRun) // its inside is all alike: the ends tell it apart
+            noted = std::max(noted, at - 4);
         Skip(in, noted, at);
         literalsFrom = at;
     }

@@ -17,9 +17,9 @@ public:
     /// Cuts bytes [from, to) of `data` into literals and matches and counts them in `block`, which is
     /// cleared first. Stops early, behind a whole sequence, when the block is long enough; the position
     /// reached. `data` holds the stream from `origin` on (a position in the stream), and whatever of the
-    /// window before `from` is still known.
-    [[nodiscard]] std::size_t Cut(
-        const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to, Block& block);
+    /// window before `from` is still known. A pixel takes `step` bytes.
+    [[nodiscard]] std::size_t Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from,
+        std::size_t to, std::size_t step, Block& block);
 
 private:
     struct Match {
@@ -38,6 +38,7 @@ private:
     void Skip(const Stretch& in, std::size_t from, std::size_t to);
 
     std::vector<std::uint32_t> heads, threes, previous;
+    int credit = 0; ///< candidates that may be looked at, for what matched bytes saved
 };
 
 } // namespace veltrane::codecs::png
