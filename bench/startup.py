@@ -7,16 +7,18 @@ of the same toolkit, in turns, under a virtual screen with a window manager.
 
 import os
 import queue
-import shutil
 import statistics
 import subprocess
 import sys
 import tempfile
 import threading
 import time
+from pathlib import Path
 
-DISPLAY = ":93"
+sys.dont_write_bytecode = True
+sys.path.append(str(Path(__file__).resolve().parent.parent / "tools"))
 
+from desk.screen import Screen  # noqa: E402
 
 def watch_maps(environment):
     """A queue that gets the moment of each window that appears on the root window."""
@@ -43,30 +45,26 @@ def one_start(command, environment, maps):
     return (shown - begun) * 1000
 
 
+def quiet(environment, settings):
+    """The screen's environment without its screen reader: on most desks none listens."""
+    listened = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "NO_AT_BRIDGE"}
+    kept = {name: value for name, value in environment.items() if name not in listened}
+    return dict(kept, XDG_CONFIG_HOME=settings)
+
+
 def main():
     ours, bare = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
     runs = int(sys.argv[3]) if len(sys.argv) > 3 else 20
-    settings = tempfile.mkdtemp(prefix="veltrane-bench-")
-    environment = dict(os.environ, DISPLAY=DISPLAY, XDG_CONFIG_HOME=settings, XDG_RUNTIME_DIR=settings,
-                       QT_QPA_PLATFORM="xcb")
-    helpers = [subprocess.Popen(["Xvfb", DISPLAY, "-screen", "0", "1280x1024x24"], stderr=subprocess.DEVNULL)]
-    try:
-        while subprocess.run(["xdpyinfo"], env=environment, capture_output=True).returncode != 0:
-            time.sleep(0.02)
-        helpers.append(subprocess.Popen(["openbox"], env=environment, stderr=subprocess.DEVNULL))
-        while b"_NET_SUPPORTING_WM_CHECK(WINDOW)" not in subprocess.run(
-                ["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=environment, capture_output=True).stdout:
-            time.sleep(0.02)
+    with Screen() as screen, tempfile.TemporaryDirectory(prefix="veltrane-bench-") as settings:
+        environment = quiet(screen.environment, settings)
         watcher, maps = watch_maps(environment)
-        helpers.append(watcher)
-        for command in (ours, bare):
-            one_start([command], environment, maps)  # libraries and fonts come into the cache
-        pairs = [(one_start([ours], environment, maps), one_start([bare], environment, maps)) for _ in range(runs)]
-    finally:
-        for helper in reversed(helpers):
-            helper.terminate()
-            helper.wait()
-        shutil.rmtree(settings, ignore_errors=True)
+        try:
+            for command in (ours, bare):
+                one_start([command], environment, maps)  # libraries and fonts come into the cache
+            pairs = [(one_start([ours], environment, maps), one_start([bare], environment, maps)) for _ in range(runs)]
+        finally:
+            watcher.terminate()
+            watcher.wait()
     print(f"ours {statistics.median(p[0] for p in pairs):.1f} ms, bare {statistics.median(p[1] for p in pairs):.1f} ms, "
           f"ratio {statistics.median(p[0] / p[1] for p in pairs):.2f} (median of {runs} pairs)")
 
