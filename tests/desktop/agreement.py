@@ -5,6 +5,7 @@
 """
 
 import configparser
+import plistlib
 import re
 import struct
 import sys
@@ -33,6 +34,11 @@ def declared(root):
     return set().union(*(ALSO.get(name, {name}) for name in names))
 
 
+def identifiers(root):
+    """Their uniform identifiers."""
+    return re.findall(r'\bImage::Image\w+, .*"([a-z]+\.[a-z.]+)" \}', (root / "filetypes/Image.cpp").read_text())
+
+
 def png_size(picture):
     return struct.unpack(">II", picture.read_bytes()[16:24])
 
@@ -52,6 +58,9 @@ def facts(root, version):
     yield "the metainfo's categories", {e.text for e in metainfo.iterfind("categories/category")} | {"Qt"}, set(
         listed(keys["Categories"])
     )
+    with open(desktop / "macos/Info.plist.in", "rb") as bundle:
+        documents = plistlib.load(bundle)["CFBundleDocumentTypes"]
+    yield "the bundle's documents", documents[0]["LSItemContentTypes"], identifiers(root)
     for key in ("GenericName", "Comment", "Keywords"):
         yield f"{key} in French", bool(keys.get(f"{key}[fr]")), True
     sizes = sorted(int(picture.stem) for picture in (desktop / "icons").glob("*.png"))
