@@ -16,6 +16,7 @@ struct GifReader::Source {
     bool ranDry = false;
     bool inRows = false;
     bool lengthNext = true; // within rows: what the next read wants
+    std::int64_t rowBytesLeft = 0; // that the frame's rows may still take
 
     int Read(std::uint8_t* to, std::size_t wanted) noexcept
     {
@@ -31,11 +32,14 @@ struct GifReader::Source {
 
     // Behind the frame's head come data blocks alone, each a byte of length and that many bytes. A block
     // that the file does not hold whole is taken for what there is of it, and none left for the last, empty
-    // one: so a frame whose pixels are complete ends well, and one that still wants data fails.
+    // one: so a frame whose pixels are complete ends well, and one that still wants data fails. So does one
+    // that has taken more than any frame of its size can.
     int ReadLength(std::uint8_t& length) noexcept
     {
         std::size_t told = 0;
-        if (!rest.empty()) {
+        if (rowBytesLeft <= 0) {
+            told = 0;
+        } else if (!rest.empty()) {
             told = rest[0];
             rest = rest.subspan(1);
         } else {
@@ -43,6 +47,7 @@ struct GifReader::Source {
         }
         const std::size_t held = std::min(told, rest.size());
         ranDry = ranDry || held < told;
+        rowBytesLeft -= static_cast<std::int64_t>(held);
         length = static_cast<std::uint8_t>(held);
         lengthNext = held == 0;
         return 1;
@@ -142,6 +147,10 @@ void GifReader::FindFrame()
     const GifImageDesc& image = gif->Image;
     frame = { image.Left, image.Top, image.Width, image.Height, image.Interlace };
     source->inRows = true;
+    // The longest way to tell a pixel is its own code behind a clear code, of 12 bits each. Without a bound
+    // a frame of few pixels could be megabytes of clear codes, the slowest to read.
+    constexpr std::int64_t kMostPerPixel = 3, kAlwaysFine = 4096;
+    source->rowBytesLeft = kAlwaysFine + kMostPerPixel * frame.width * frame.height;
 }
 
 // A control block speaks of the next picture or plain text, whichever comes first (GIF 89a, section 23).

@@ -11,10 +11,11 @@ namespace veltrane::codecs::pict {
 /// two-byte opcode can paint the whole frame, so a file's length alone bounds nothing: this does.
 class Budget {
 public:
-    /// Any real drawing stays far below: the frame sixteen times over, a thousand pixels for each byte of
-    /// the file, and a flat quarter of a thousand million.
+    /// Any real drawing stays far below: the frame sixteen times over (once, and a thousand million, when
+    /// that is less), a thousand pixels for each byte of the file, and a flat quarter of a thousand million.
     Budget(std::int64_t framePixels, std::int64_t fileBytes) noexcept
-        : left(framePixels * 16 + std::min(fileBytes, std::int64_t { 1 } << 20) * 1000 + 256'000'000)
+        : left(framePixels + std::min<std::int64_t>(framePixels * 15, 1'000'000'000)
+            + std::min(fileBytes, std::int64_t { 1 } << 20) * 1000 + 256'000'000)
     {
     }
 

@@ -8,7 +8,7 @@ namespace veltrane::codecs::pict {
 
 namespace {
 
-constexpr int kSpanCost = 8; ///< what a span costs beside its pixels
+constexpr int kSpanCost = 32; ///< what a span costs beside its pixels: mostly, to reach its row in memory
 
 Rgba Mixed(Rgba before, Rgba after, int coverage) noexcept
 {
@@ -23,21 +23,37 @@ Rgba Mixed(Rgba before, Rgba after, int coverage) noexcept
 } // namespace
 
 // White and opaque where nothing is drawn: a picture is recorded for paper or a white window, drawings use
-// "or" modes that need something to fall on, and QuickDraw has no notion of a transparent target.
+// "or" modes that need something to fall on, and QuickDraw has no notion of a transparent target. A row gets
+// its white when it is first drawn on: a damaged file of a few bytes shall not touch gigabytes before it is
+// found out.
 Canvas::Canvas(int width, int height, Budget& budget)
     : bitmap(Bitmap::Uninitialised(width, height))
     , rows(bitmap.Writable())
+    , paper(static_cast<std::size_t>(height))
     , budget(budget)
     , clip(Rect { 0, 0, width, height })
     , visible { 0, 0, width, height }
     , scratch(static_cast<std::size_t>(width))
 {
-    std::memset(rows, 255, bitmap.Stride() * static_cast<std::size_t>(height));
     bitmap.Opaque(true);
+}
+
+void Canvas::Whiten(int y) noexcept
+{
+    if (!std::exchange(paper[static_cast<std::size_t>(y)], std::uint8_t { 1 }))
+        std::memset(rows + static_cast<std::size_t>(y) * bitmap.Stride(), 255, bitmap.Stride());
+}
+
+Bitmap Canvas::Finish()
+{
+    for (int y = 0; y < bitmap.Height(); ++y)
+        Whiten(y);
+    return std::move(bitmap);
 }
 
 Rgba* Canvas::At(int x, int y) noexcept
 {
+    Whiten(y);
     return reinterpret_cast<Rgba*>(rows + static_cast<std::size_t>(y) * bitmap.Stride()) + x;
 }
 
@@ -116,11 +132,10 @@ void Canvas::Tint(int y, int left, int right, int coverage, const Transfer& tran
     const Spans& spans = Clipped(y, { left, right });
     for (std::size_t i = 0; i + 1 < spans.size(); i += 2) {
         budget.Charge(spans[i + 1] - spans[i] + kSpanCost);
-        for (int x = spans[i]; x < spans[i + 1]; ++x) {
-            Rgba* const pixel = At(x, y);
-            Rgba fresh = *pixel;
+        for (Rgba& pixel : std::span(At(spans[i], y), static_cast<std::size_t>(spans[i + 1] - spans[i]))) {
+            Rgba fresh = pixel;
             Apply(transfer, &fresh, &kBlack, 1);
-            *pixel = Mixed(*pixel, fresh, coverage);
+            pixel = Mixed(pixel, fresh, coverage);
         }
     }
 }

@@ -36,15 +36,17 @@ public:
     void Tint(int y, int left, int right, int coverage, const Transfer& transfer);
 
     /// The finished picture; the canvas is of no use afterwards.
-    [[nodiscard]] Bitmap Finish() { return std::move(bitmap); }
+    [[nodiscard]] Bitmap Finish();
 
 private:
     [[nodiscard]] Rgba* At(int x, int y) noexcept;
+    void Whiten(int y) noexcept;
     const Spans& Clipped(int y, const Spans& wanted);
     void FillSpan(int y, int left, int right, const Pattern& pattern, const Transfer& transfer);
 
     Bitmap bitmap;
     std::uint8_t* rows;
+    std::vector<std::uint8_t> paper; ///< 1 for each row that is white already, or drawn on
     Budget& budget;
     Region clip;
     Rect visible;

@@ -110,6 +110,20 @@ void CheckLimits(const Chunks& chunks, const Limits& limits)
     limits.Check(header.width, header.height, static_cast<std::int64_t>(working));
 }
 
+// Deflate makes of a byte at most this many: a code of one bit for 258 bytes, one of a bit for how far back
+// they lie. A header that asks for more than the file can hold is found out before a row is touched.
+// Source: RFC 1951, 3.2.5.
+constexpr std::size_t kMostInflated = 1032;
+
+void CheckLength(const Chunks& chunks)
+{
+    if (chunks.dataBytes >= StoredBytes(chunks.header) / kMostInflated)
+        return;
+    if (!chunks.ended)
+        Incomplete();
+    Damaged("trop peu de pixels");
+}
+
 using Block = std::unique_ptr<std::uint8_t[]>;
 
 // Fills `rows` from the file's pixel data.
@@ -279,6 +293,7 @@ Bitmap Decode(Bytes file, const Limits& limits)
 try {
     const Chunks chunks = ReadChunks(file, DataCheck::Verify);
     CheckLimits(chunks, limits);
+    CheckLength(chunks);
     return Upright(Decoder(chunks).Read(file), OrientationOf(chunks));
 } catch (const std::bad_alloc&) {
     throw OutOfMemoryException("mémoire insuffisante pour cette image");
