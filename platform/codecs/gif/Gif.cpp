@@ -101,16 +101,15 @@ Bitmap Paint(GifReader& reader, const Layout& layout, const std::vector<int>& ro
     Bitmap picture = covers ? Bitmap::Uninitialised(layout.screenWidth, layout.screenHeight)
                             : Bitmap::Transparent(layout.screenWidth, layout.screenHeight);
     const GifPalette palette = reader.Palette();
-    std::vector<std::uint8_t> indices(static_cast<std::size_t>(reader.Frame().width));
     std::uint8_t* const corner = picture.Writable()
         + static_cast<std::size_t>(layout.left) * Bitmap::kBytesPerPixel
         + static_cast<std::size_t>(layout.top) * picture.Stride();
     bool opaque = covers;
     for (const int y : rows) {
-        reader.ReadRow(indices.data());
+        const std::uint8_t* const indices = reader.ReadRow();
         if (y < layout.visibleHeight)
-            opaque &= PaintRow(indices.data(), palette,
-                corner + static_cast<std::size_t>(y) * picture.Stride(), layout.visibleWidth);
+            opaque &= PaintRow(indices, palette, corner + static_cast<std::size_t>(y) * picture.Stride(),
+                layout.visibleWidth);
     }
     picture.Opaque(opaque);
     return picture;

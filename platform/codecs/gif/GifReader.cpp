@@ -151,6 +151,9 @@ void GifReader::FindFrame()
     // a frame of few pixels could be megabytes of clear codes, the slowest to read.
     constexpr std::int64_t kMostPerPixel = 3, kAlwaysFine = 4096;
     source->rowBytesLeft = kAlwaysFine + kMostPerPixel * frame.width * frame.height;
+    const int codeSize = source->rest.data()[-1]; // the library has just read it and found it fit
+    if (codeSize >= 1)
+        unpacker = std::make_unique<GifLzw>(source->rest, codeSize, static_cast<std::size_t>(frame.width));
 }
 
 // A control block speaks of the next picture or plain text, whichever comes first (GIF 89a, section 23).
@@ -172,9 +175,32 @@ void GifReader::ReadExtension()
     }
 }
 
-void GifReader::ReadRow(std::uint8_t* indices)
+// Our own unpacker is several times faster. What is not in order is left to the library, from the first row
+// on: it knows what can be made of such files.
+const std::uint8_t* GifReader::ReadRow()
 {
-    if (DGifGetLine(gif.get(), indices, frame.width) == GIF_ERROR)
+    if (unpacker) {
+        if (const std::uint8_t* const row = unpacker->Next(static_cast<std::size_t>(frame.width))) {
+            ++unpacked;
+            return row;
+        }
+        TurnToLibrary();
+    }
+    ReadRowByLibrary();
+    return line.data();
+}
+
+void GifReader::TurnToLibrary()
+{
+    unpacker.reset();
+    for (; unpacked > 0; --unpacked)
+        ReadRowByLibrary();
+}
+
+void GifReader::ReadRowByLibrary()
+{
+    line.resize(static_cast<std::size_t>(frame.width));
+    if (DGifGetLine(gif.get(), line.data(), frame.width) == GIF_ERROR)
         Fail();
 }
 

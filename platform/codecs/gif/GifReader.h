@@ -1,10 +1,13 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "platform/codecs/Bytes.h"
+#include "platform/codecs/gif/GifLzw.h"
 
 struct GifFileType;
 
@@ -44,8 +47,8 @@ public:
     [[nodiscard]] int TransparentIndex() const noexcept { return transparent; }
 
     /// The frame's next row as it is stored (interlaced ones in the order of their passes): Frame().width
-    /// indices.
-    void ReadRow(std::uint8_t* indices);
+    /// indices, valid until the next call.
+    [[nodiscard]] const std::uint8_t* ReadRow();
 
 private:
     struct Source;
@@ -55,10 +58,15 @@ private:
 
     void FindFrame();
     void ReadExtension();
+    void ReadRowByLibrary();
+    void TurnToLibrary();
     [[noreturn]] void Fail() const;
 
     std::unique_ptr<Source> source;
     std::unique_ptr<GifFileType, Closer> gif;
+    std::unique_ptr<GifLzw> unpacker; ///< null from the first fault in the data on
+    std::size_t unpacked = 0; ///< rows that it gave
+    std::vector<std::uint8_t> line; ///< a row that the library read
     GifFrame frame;
     int transparent = -1;
 };
