@@ -64,11 +64,12 @@ def node():
     return os.fspath(own) if own.exists() else "node"
 
 
-def revision():
-    """The commit that is built, and whether files differ from it."""
-    commit = run("git", "rev-parse", "--short", "HEAD", cwd=ROOT).strip()
-    changed = run("git", "status", "--porcelain", "--untracked-files=no", cwd=ROOT).strip()
-    return commit + (" with changes" if changed else "")
+def revision(program):
+    """The last commit to the sources of the working tree that a program was built in; "+" when they differ."""
+    tree = run("git", "rev-parse", "--show-toplevel", cwd=program.parent).strip()
+    sources = ("--", ".", ":!bench", ":!docs")
+    commit = run("git", "log", "-1", "--format=%h", *sources, cwd=tree).strip()
+    return commit + ("+" if run("git", "diff", "HEAD", "--stat", *sources, cwd=tree).strip() else "")
 
 
 def version_of(*command):

@@ -35,7 +35,9 @@ def imagemagick(suffix, folder, files):
 
 def graphicsmagick(suffix, folder, files):
     quality = ["-quality", "70"] if suffix == "jpg" else []
-    return [["gm", "mogrify", "-output-directory", folder, "-format", suffix, *quality, *files]]
+    # The folder is put before the whole path of each file.
+    names = [file.name for file in files]
+    return [["gm", "mogrify", "-output-directory", folder, "-format", suffix, *quality, *names]]
 
 
 def target(folder, file, suffix):
@@ -77,8 +79,9 @@ class Peer:
         self.start = Taken()
 
     def _all(self, suffix, folder, files):
+        """All from one folder, which is where the commands run."""
         commands = PEERS[self.name](suffix, folder, files)
-        return len(commands), sum((finish(command, ENVIRONMENT) for command in commands), Taken())
+        return len(commands), sum((finish(command, ENVIRONMENT, files[0].parent) for command in commands), Taken())
 
     def begin(self, suffix, folder, trivial):
         """Measures a start of the tool: on a picture of one pixel."""

@@ -25,12 +25,13 @@ class Taken:
 class Process:
     """A process under way; its end tells what it took."""
 
-    def __init__(self, command, environment):
+    def __init__(self, command, environment, folder=None):
         self.command = [os.fspath(part) for part in command]
         self.begun = time.monotonic()
         self.popen = subprocess.Popen(
             self.command,
             env=environment,
+            cwd=folder,
             stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL,
@@ -54,6 +55,6 @@ class Process:
         return Taken(usage.ru_utime + usage.ru_stime, wall, usage.ru_maxrss)
 
 
-def finish(command, environment):
-    """Runs a command to its end."""
-    return Process(command, environment).ended()
+def finish(command, environment, folder=None):
+    """Runs a command to its end, in a folder."""
+    return Process(command, environment, folder).ended()

@@ -101,7 +101,7 @@ def figures_section(figures):
         [
             BEGIN,
             "",
-            f"Measured on {figures['date']}: before at {figures['before_at']}, now at {figures['now_at']}.",
+            f"Measured on {figures['date']}: now at {figures.get('now_at')}, before at {figures.get('before_at')}.",
             "",
             *facts,
             "",
