@@ -22,6 +22,16 @@ class Skipped(Exception):
     """The machine cannot do what a row wants."""
 
 
+def option(name, usual):
+    """The value behind an option on the command line, which is taken away from there; `usual` without it."""
+    if name not in sys.argv:
+        return usual
+    place = sys.argv.index(name)
+    _, value = sys.argv[place : place + 2]
+    del sys.argv[place : place + 2]
+    return value
+
+
 def equal(shown, wanted, what):
     """Raises unless both are equal."""
     if shown != wanted:
