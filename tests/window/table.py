@@ -61,6 +61,11 @@ class Place:
         options.setdefault("cwd", self.pictures)
         return Program(PROGRAM, documents, **options)
 
+    def inside(self, folder):
+        """A place like this one, in a folder of its own."""
+        folder.mkdir()
+        return Place(self.screen, folder)
+
     def prefer(self, text):
         (self.settings / "Veltrane.pref").write_text(text)
 
