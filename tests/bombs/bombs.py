@@ -30,6 +30,7 @@ from recipes import (
     pict,
     pict_rect,
     pict_region,
+    pict_still,
     png,
     png_dot,
     progressive,
@@ -37,6 +38,7 @@ from recipes import (
     tiff,
     tiff_page,
     tiff_strip,
+    xz_of_huge_window,
 )
 
 NOT_BUILT = 77
@@ -174,6 +176,11 @@ BOMBS = [
             struct.pack(">BBBBIIIBBBB", 0, 0, 1, 0, 30000, 30000, 30000, 0, 0, 3, 0) + bytes(9),
             bits=1,
         ),
+    ),
+    (
+        "tiff-dictionary-of-4-gigabytes",
+        EITHER,
+        lambda: tiff_strip(100, 100, 34925, xz_of_huge_window(bytes(10000))),
     ),
     (
         "tiff-strip-inflates-to-10-gigabytes",
@@ -354,6 +361,35 @@ BOMBS = [
         "pict-a-thousand-stills-of-few-bytes",
         EITHER,
         lambda: pict(2000, 2000, (b"\x82\x00" + struct.pack(">I", 1000) + bytes(1000)) * 1000),
+    ),
+    (
+        "pict-three-hundred-stills-of-25-megapixels",
+        REFUSED,
+        lambda: pict(
+            64,
+            64,
+            pict_still(
+                b"png ",
+                png(5000, 5000, chunk(b"IDAT", deflated_zeros(5000 * 5001)), depth=8, colour=0),
+                5000,
+                5000,
+            )
+            * 300,
+        ),
+    ),
+    (
+        "pict-still-of-a-gigapixel",
+        REFUSED,
+        lambda: pict(
+            64,
+            64,
+            pict_still(
+                b"png ",
+                png(32000, 32000, chunk(b"IDAT", deflated_zeros(32000 * 32001)), depth=8, colour=0),
+                32000,
+                32000,
+            ),
+        ),
     ),
     ("bmp-few-bytes-for-900-megapixels", REFUSED, lambda: bmp(30000, 30000)),
     ("ppm-few-bytes-for-900-megapixels", EITHER, lambda: b"P6 30000 30000 255\n" + bytes(64)),

@@ -1,5 +1,6 @@
 """Small files that ask for much: each recipe gives the bytes of one."""
 
+import lzma
 import struct
 import zlib
 
@@ -122,6 +123,16 @@ def tiff_page(width, height, compression=1, bits=8, samples=1, strips=(8, 64), r
     ]
 
 
+def xz_of_huge_window(content):
+    """Packed bytes that tell a dictionary of 4 GB (the .xz format 1.2.1, 3.1 and 5.3.1)."""
+    packed = bytearray(lzma.compress(content, lzma.FORMAT_XZ, preset=0))
+    size = (packed[12] + 1) * 4
+    place = packed.index(b"\x21\x01", 12) + 2
+    packed[place] = 40
+    packed[12 + size - 4 : 12 + size] = struct.pack("<I", zlib.crc32(packed[12 : 12 + size - 4]))
+    return bytes(packed)
+
+
 def tiff_strip(width, height, compression, packed, **about):
     return tiff(tiff_page(width, height, compression, strips=(8, len(packed)), **about), packed)
 
@@ -144,6 +155,18 @@ def pict_region(rows):
     """A region of so many rows, each of two points, for opcode 0x0081 (paint region)."""
     body = b"".join(struct.pack(">HHHH", y, 0, 30000, 0x7FFF) for y in range(rows)) + b"\x7f\xff"
     return struct.pack(">HHHHHH", 0x0081, 10 + len(body), 0, 0, 30000, 30000) + body
+
+
+def pict_still(kind, data, width, height):
+    """A compressed still, placed where it comes (QuickTime: opcode 0x8200)."""
+    matrix = struct.pack(">9i", 1 << 16, 0, 0, 0, 1 << 16, 0, 0, 0, 1 << 30)
+    place = struct.pack(">HHHHHII", 0, 0, 0, height, width, 0, 0)
+    about = struct.pack(
+        ">I4s12x4xIIHHIIIH", 86, kind, 0, 512, width, height, 72 << 16, 72 << 16, len(data), 1
+    )
+    about += bytes(32) + struct.pack(">Hh", 32, -1)
+    body = bytes(2) + matrix + bytes(12) + place + about + data
+    return b"\x82\x00" + struct.pack(">I", len(body)) + body + bytes(len(body) % 2)
 
 
 def exif(*entries, following=0):

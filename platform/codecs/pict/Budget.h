@@ -19,6 +19,8 @@ public:
     {
     }
 
+    [[nodiscard]] std::int64_t Left() const noexcept { return left; }
+
     /// Raises UnsupportedFormatException once the work is more than was granted.
     void Charge(std::int64_t work)
     {

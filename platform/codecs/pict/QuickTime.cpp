@@ -112,8 +112,12 @@ Rect DrawCompressed(ByteReader& data, const Mapping& map, const Port& port, Canv
     }
     const Still still = ReadStill(data);
     budget.Charge(static_cast<std::int64_t>(still.data.size()));
-    const Bitmap bitmap = DecodeStill(still, limits);
-    budget.Charge(std::int64_t { bitmap.Width() } * bitmap.Height());
+    // A few bytes can be a still of gigapixels, and many of them can stand one behind the other.
+    constexpr std::int64_t kDecodingCost = 4; // for each pixel, which takes as many bytes
+    Limits affordable = limits;
+    affordable.maxBytes = std::min(limits.maxBytes, budget.Left());
+    const Bitmap bitmap = DecodeStill(still, affordable);
+    budget.Charge(kDecodingCost * bitmap.Width() * bitmap.Height());
     if (place.source.Empty())
         place.source = { 0, 0, bitmap.Width(), bitmap.Height() };
     place.target = Offset(map(place.source), port.offset);
