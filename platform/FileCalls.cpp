@@ -59,7 +59,9 @@ int FileCalls::CreateNamed(int folder, const char* name)
 
 int FileCalls::OpenExisting(int folder, const char* name)
 {
-    return openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    constexpr int kCareful = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    const int file = openat(folder, name, O_RDONLY | kCareful);
+    return file < 0 && errno == EACCES ? openat(folder, name, O_WRONLY | kCareful) : file;
 }
 
 int FileCalls::Lock(int file, bool wait)

@@ -29,6 +29,8 @@ public:
     /// A file without a name in the folder; fails with EOPNOTSUPP where there is no way to name it later.
     virtual int OpenUnnamed(int folder);
     virtual int CreateNamed(int folder, const char* name);
+
+    /// For reading, or for writing where only that is allowed.
     virtual int OpenExisting(int folder, const char* name);
     virtual int Lock(int file, bool wait);
     virtual int ChangeMode(int file, mode_t mode);

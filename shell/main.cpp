@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/FolderItem.h"
+#include "platform/Process.h"
 #include "platform/Runtime.h"
 #include "platform/UriList.h"
 #include "platform/qt/QtToolkit.h"
@@ -25,6 +26,7 @@ Ref<FolderItem> Document(const char* argument)
 
 int main(int count, char** arguments)
 {
+    PrepareProcess();
     const std::unique_ptr<Toolkit> body = MakeQtToolkit();
     if (!body)
         return 1;

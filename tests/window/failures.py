@@ -144,6 +144,40 @@ def full_disk(place):
         (folder / os.fsdecode(name)).unlink()
 
 
+def too_large(place):
+    """A limit on the size of files is a failure of the save, not the program's end."""
+    pictures.noise(place.pictures / "photo.gif", "400x400")
+    pictures.make(place.pictures / "next.gif")
+    (place.pictures / "photo.png").write_bytes(b"the old copy")
+    with place.start("photo.gif", "next.gif", prefix=("prlimit", "--fsize=50000")) as program:
+        message = program.answer()
+        equal(message.endswith("fichier trop grand pour ce disque"), True, f"the message ({message})")
+        program.idle(2)
+        equal(program.close(), 0, "exit status")
+    equal((place.pictures / "photo.png").read_bytes(), b"the old copy", "the old copy")
+    wanted = [b"next.gif", b"next.png", b"photo.gif", b"photo.png"]
+    equal(names(place.pictures), wanted, "the folder")
+
+
+def no_streams(place):
+    """Started with its standard streams closed, none of its own files takes their numbers."""
+    pictures.make(place.pictures / "photo.gif")
+    closed = ("sh", "-c", 'exec "$0" "$@" <&- >&- 2>&-')
+    with place.start("photo.gif", prefix=closed) as program:
+        program.idle(1)
+        streams = {os.readlink(f"/proc/{program.process.pid}/fd/{number}") for number in range(3)}
+        equal(streams, {"/dev/null"}, "the standard streams")
+        equal(program.close(), 0, "exit status")
+
+
+def unreadable_left_over(place):
+    pictures.make(place.pictures / "photo.gif")
+    (place.pictures / ".veltrane-0.tmp").touch(0o200)
+    with place.start("photo.gif") as program:
+        program.idle(1)
+    equal(names(place.pictures), [b"photo.gif", b"photo.png"], "the folder")
+
+
 def locked_copy(place):
     pictures.make(place.pictures / "photo.gif")
     (place.pictures / "photo.png").write_bytes(b"the old copy")
@@ -224,6 +258,9 @@ check(
         ("a folder without the right to write, one format wanted", one_format_locked),
         ("a read-only mount", read_only_mount),
         ("a full disk keeps the old copy", full_disk),
+        ("a limit on the size of files", too_large),
+        ("standard streams that are closed", no_streams),
+        ("a left-over that cannot be read is taken away", unreadable_left_over),
         ("a copy without the right to write is kept", locked_copy),
         ("a folder where the copy would be", folder_at_the_copy),
         (
