@@ -132,6 +132,12 @@ void Runtime::OpenDocument(const Ref<FolderItem>& file)
           } });
 }
 
+bool Runtime::TakesDocuments() const noexcept
+{
+    const auto closes = [](const Waiting& event) { return event.kind == Waiting::Kind::Close; };
+    return !ended && (underWay == nullptr || !closes(*underWay)) && std::ranges::none_of(waiting, closes);
+}
+
 void Runtime::Drop(const Ref<Window>& window, const Ref<DragItem>& payload)
 {
     Post({ Waiting::Kind::Drop, [window, payload] { window->TakeDrop(payload); } });

@@ -78,6 +78,9 @@ public:
     /// The desktop asks for a file to be opened.
     void OpenDocument(const Ref<FolderItem>& file);
 
+    /// False once a close is waiting or under way: a document that came now would be dropped with the rest.
+    [[nodiscard]] bool TakesDocuments() const noexcept;
+
     /// Items were dropped on the window.
     void Drop(const Ref<Window>& window, const Ref<DragItem>& payload);
 

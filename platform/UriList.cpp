@@ -19,6 +19,15 @@ bool IsThisHost(std::string_view host)
     return Compare(String(host), own.data()) == 0;
 }
 
+// Letters, digits and marks that mean nothing in an address, and the slash between names.
+bool IsPlain(unsigned char byte)
+{
+    constexpr std::string_view kMarks = "-._~/";
+    const unsigned char letter = byte | 0x20;
+    return (letter >= 'a' && letter <= 'z') || (byte >= '0' && byte <= '9')
+        || kMarks.find(static_cast<char>(byte)) != std::string_view::npos;
+}
+
 std::optional<std::string> Unescaped(std::string_view text)
 {
     std::string plain;
@@ -39,6 +48,20 @@ std::optional<std::string> Unescaped(std::string_view text)
 }
 
 } // namespace
+
+std::string FileAddress(std::string_view path)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string address = "file://";
+    for (const char sign : path) {
+        const auto byte = static_cast<unsigned char>(sign);
+        if (IsPlain(byte))
+            address += sign;
+        else
+            address.append({ '%', kDigits[byte >> 4], kDigits[byte & 15] });
+    }
+    return address;
+}
 
 std::optional<std::string> LocalPath(std::string_view address)
 {

@@ -2,11 +2,13 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "platform/FolderItem.h"
 #include "platform/Process.h"
 #include "platform/Runtime.h"
 #include "platform/UriList.h"
+#include "platform/qt/OneWindow.h"
 #include "platform/qt/QtToolkit.h"
 #include "shell/Startup.h"
 
@@ -22,19 +24,32 @@ Ref<FolderItem> Document(const char* argument)
     return address && path && !path->Exists() ? FolderItem::FromPath(*address) : path;
 }
 
+std::vector<Ref<FolderItem>> Documents(std::span<char*> arguments)
+{
+    std::vector<Ref<FolderItem>> documents;
+    for (const char* const argument : arguments) {
+        if (const Ref<FolderItem> document = Document(argument))
+            documents.push_back(document);
+    }
+    return documents;
+}
+
 } // namespace
 
 int main(int count, char** arguments)
 {
     PrepareProcess();
-    const std::unique_ptr<Toolkit> body = MakeQtToolkit();
+    const std::vector<Ref<FolderItem>> documents
+        = Documents(std::span(arguments, static_cast<std::size_t>(count)).subspan(1));
+    OneWindow oneWindow;
+    if (oneWindow.HandOver(documents))
+        return 0;
+    const std::unique_ptr<Toolkit> body = MakeQtToolkit(oneWindow);
     if (!body)
         return 1;
     Runtime runtime(*body);
-    for (const char* const argument : std::span(arguments, static_cast<std::size_t>(count)).subspan(1)) {
-        if (const Ref<FolderItem> document = Document(argument))
-            runtime.OpenDocument(document);
-    }
+    for (const Ref<FolderItem>& document : documents)
+        runtime.OpenDocument(document);
     _Main();
     return runtime.ExitStatus();
 }

@@ -72,7 +72,27 @@ TEST_P(Addresses, BecomeLocalPaths)
 
 INSTANTIATE_TEST_SUITE_P(UriList, Addresses, testing::ValuesIn(kAddresses), tests::kByName);
 
+constexpr std::pair<std::string_view, std::string_view> kPathsAndAddresses[] = {
+    { "/a/b-._~.png", "file:///a/b-._~.png" },
+    { "/AZaz09/@[`{", "file:///AZaz09/%40%5B%60%7B" }, // the neighbours of the letters
+    { "/100%41 #?&;", "file:///100%2541%20%23%3F%26%3B" },
+    { "/caf\xE9 \xFF\n\x01", "file:///caf%E9%20%FF%0A%01" },
+    { "//double", "file:////double" },
+};
+
 } // namespace
+
+TEST(UriList, AddressesOfPathsHoldAnyByteAndLeadBack)
+{
+    for (const auto& [path, address] : kPathsAndAddresses) {
+        EXPECT_EQ(FileAddress(path), address);
+        EXPECT_EQ(LocalPath(address), path);
+    }
+    std::string all = "/";
+    for (int byte = 1; byte < 256; ++byte)
+        all += static_cast<char>(byte);
+    EXPECT_EQ(LocalPath(FileAddress(all)), all);
+}
 
 TEST(FolderItem, ChildTakesNamesAndNothingElse)
 {

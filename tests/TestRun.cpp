@@ -220,6 +220,32 @@ TEST(Run, ACloseInTheMiddleOfADropFinishesTheFileAndStoresTheSettings)
     EXPECT_EQ(run.runtime.ExitStatus(), 0);
 }
 
+TEST(Run, TakesDocumentsFromTheStartUntilACloseIsNoted)
+{
+    ProgramRun run;
+    run.Settings(kNoCopies);
+    run.Plain("a.tif");
+    run.Open("a.tif");
+    EXPECT_TRUE(run.runtime.TakesDocuments()) << "before the start";
+    std::string seen;
+    run.body.duringYield = [&] { seen += run.runtime.TakesDocuments() ? '+' : '-'; };
+    run.body.answer = [&](const Box&) {
+        seen += run.runtime.TakesDocuments() ? "box+" : "box-";
+        return Box::Answer::Ok;
+    };
+    run.body.user.push_back([&] { EXPECT_TRUE(run.runtime.TakesDocuments()) << "while nothing is to do"; });
+    run.body.user.push_back([&] {
+        seen.clear();
+        std::filesystem::remove(run.settings.Path(ProgramRun::kPreferenceFile));
+        std::filesystem::create_directory(run.settings.Path(ProgramRun::kPreferenceFile));
+        run.runtime.RequestQuit();
+        EXPECT_FALSE(run.runtime.TakesDocuments()) << "a close waits";
+    });
+    run.Go();
+    EXPECT_EQ(seen, "box-") << "while the settings are stored";
+    EXPECT_FALSE(run.runtime.TakesDocuments()) << "after the end";
+}
+
 TEST(Run, ASecondDropWaitsForItsTurn)
 {
     ProgramRun run;

@@ -1,5 +1,6 @@
 #include "platform/qt/MainWindow.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QLayout>
@@ -130,6 +131,15 @@ void MainWindow::dropEvent(QDropEvent* event)
         Runtime::Current().Drop(
             Ref<Window>(&window), New<DragItem>(AddressesOf(*event->mimeData()), window.AcceptedTypes()));
     });
+}
+
+QWidget* VisibleWindow()
+{
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible() && dynamic_cast<MainWindow*>(widget) != nullptr)
+            return widget;
+    }
+    return nullptr;
 }
 
 } // namespace veltrane::qt

@@ -41,4 +41,7 @@ private:
     bool dragFits = false; // the answer for the drag that hovers; asked once, when it enters
 };
 
+/// The window that is on the screen, also when minimised; null while none is.
+[[nodiscard]] QWidget* VisibleWindow();
+
 } // namespace veltrane::qt

@@ -7,7 +7,9 @@
 
 #include "platform/Runtime.h"
 #include "platform/qt/Accessibility.h"
+#include "platform/qt/MainWindow.h"
 #include "platform/qt/MessageBox.h"
+#include "platform/qt/OneWindow.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtWindowPeer.h"
 #include "platform/qt/Signals.h"
@@ -29,7 +31,7 @@ constexpr int kLongestYield = 20; // ms
 
 class QtToolkit final : public Toolkit {
 public:
-    QtToolkit();
+    explicit QtToolkit(OneWindow& oneWindow);
 
     // Qt 6 always draws in logical units, and the canvas at the screen's real pixels.
     void SupportsHiDPI(bool) override { }
@@ -46,6 +48,7 @@ public:
     void BusyPointer(bool nowBusy) override;
 
 private:
+    OneWindow& oneWindow;
     QtApplication application;
     Signals signals;
     Turns turns;
@@ -54,8 +57,10 @@ private:
     bool ended = false, busy = false;
 };
 
-QtToolkit::QtToolkit()
-    : application(argumentCount, arguments), signals([] { Runtime::Current().RequestEnd(); })
+QtToolkit::QtToolkit(OneWindow& oneWindow)
+    : oneWindow(oneWindow)
+    , application(argumentCount, arguments)
+    , signals([] { Runtime::Current().RequestEnd(); })
 {
     InstallAccessibility();
     sinceYield.start();
@@ -70,6 +75,7 @@ void QtToolkit::Loop()
 void QtToolkit::EndLoop()
 {
     ended = true;
+    oneWindow.Leave();
     QCoreApplication::exit();
 }
 
@@ -80,16 +86,6 @@ void QtToolkit::Yield()
     const Turns::Hold hold(turns);
     QCoreApplication::processEvents(QEventLoop::AllEvents, kLongestYield);
     sinceYield.start();
-}
-
-// The window that a box belongs to; null while none is shown.
-QWidget* VisibleWindow()
-{
-    for (QWidget* const widget : QApplication::topLevelWidgets()) {
-        if (widget->isVisible() && dynamic_cast<MainWindow*>(widget) != nullptr)
-            return widget;
-    }
-    return nullptr;
 }
 
 Box::Answer QtToolkit::ShowBox(const Box& box)
@@ -124,10 +120,10 @@ void EndWithoutScreen(QtMsgType type, const QMessageLogContext&, const QString& 
 
 } // namespace
 
-std::unique_ptr<Toolkit> MakeQtToolkit()
+std::unique_ptr<Toolkit> MakeQtToolkit(OneWindow& oneWindow)
 {
     const QtMessageHandler usual = qInstallMessageHandler(EndWithoutScreen);
-    auto toolkit = std::make_unique<QtToolkit>();
+    auto toolkit = std::make_unique<QtToolkit>(oneWindow);
     qInstallMessageHandler(usual);
     RegisterQtFallback();
     return toolkit;
