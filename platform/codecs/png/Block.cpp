@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "platform/codecs/PrefixCode.h"
 #include "platform/codecs/png/Huffman.h"
 
 namespace veltrane::codecs::png {
