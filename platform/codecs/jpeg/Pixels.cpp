@@ -21,6 +21,22 @@ Row ExamineRow(const std::uint8_t* rgba, std::size_t pixels)
     return row;
 }
 
+using Pair = std::uint8_t __attribute__((vector_size(8))); // two pixels
+using Words = std::uint16_t __attribute__((vector_size(16)));
+
+// `bytes` of at most two pixels.
+inline void LayPair(const std::uint8_t* rgba, std::uint8_t* opaque, std::size_t bytes)
+{
+    constexpr Pair kAlphas { 0, 0, 0, 255, 0, 0, 0, 255 };
+    Pair pair {};
+    std::memcpy(&pair, rgba, bytes);
+    const Words channels = __builtin_convertvector(pair, Words);
+    const Words alphas = __builtin_shufflevector(channels, channels, 3, 3, 3, 3, 7, 7, 7, 7);
+    const Words laid = (channels * alphas + (255 - alphas) * 255 + 127) / 255;
+    pair = __builtin_convertvector(laid, Pair) | kAlphas;
+    std::memcpy(opaque, &pair, bytes);
+}
+
 } // namespace
 
 Content Examine(const Bitmap& picture)
@@ -37,12 +53,9 @@ Content Examine(const Bitmap& picture)
 
 void LayOnWhite(const std::uint8_t* rgba, std::uint8_t* opaque, std::size_t pixels)
 {
-    for (const std::uint8_t* const end = rgba + 4 * pixels; rgba != end; rgba += 4, opaque += 4) {
-        const unsigned alpha = rgba[3];
-        for (int i = 0; i < 3; ++i)
-            opaque[i] = static_cast<std::uint8_t>((rgba[i] * alpha + 255u * (255u - alpha) + 127u) / 255u);
-        opaque[3] = 255;
-    }
+    for (; pixels >= 2; pixels -= 2, rgba += sizeof(Pair), opaque += sizeof(Pair))
+        LayPair(rgba, opaque, sizeof(Pair));
+    LayPair(rgba, opaque, 4 * pixels);
 }
 
 } // namespace veltrane::codecs::jpeg
