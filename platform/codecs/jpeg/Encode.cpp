@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <vector>
 
 #include "platform/Exceptions.h"
 #include "platform/codecs/jpeg/Pixels.h"
+#include "platform/codecs/jpeg/Sample.h"
 #include "platform/codecs/jpeg/Writer.h"
 
 namespace veltrane::codecs::jpeg {
@@ -33,7 +35,10 @@ void Encode(const Bitmap& picture, int quality, Sink& sink)
     try {
         const Content content = Examine(picture);
         const int kept = quality < 0 ? kOwnChoice : std::min(quality, 100);
-        Writer writer({ picture.Width(), picture.Height(), kept, content.grey }, sink);
+        Form form { picture.Width(), picture.Height(), kept, content.grey };
+        const std::optional<Tables> tables = SampledTables(picture, form);
+        form.tables = tables ? &*tables : nullptr;
+        Writer writer(form, sink);
         if (content.opaque)
             writer.Rows(picture.Row(0), picture.Stride(), picture.Height());
         else

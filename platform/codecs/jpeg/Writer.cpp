@@ -78,6 +78,13 @@ namespace {
 // Below this quality the eye does not miss what halved colour loses, and the file is a third smaller.
 constexpr int kFullColourFrom = 90;
 
+void Install(const Table& table, JHUFF_TBL& target)
+{
+    std::ranges::copy(table.codes, target.bits);
+    std::ranges::copy(table.symbols, target.huffval);
+    target.sent_table = FALSE;
+}
+
 void Configure(jpeg_compress_struct& jpeg, const Form& form)
 {
     jpeg.image_width = static_cast<JDIMENSION>(form.width);
@@ -90,6 +97,11 @@ void Configure(jpeg_compress_struct& jpeg, const Form& form)
     const int luma = !form.grey && form.quality < kFullColourFrom ? 2 : 1;
     jpeg.comp_info[0].h_samp_factor = luma;
     jpeg.comp_info[0].v_samp_factor = luma;
+    jpeg.optimize_coding = form.tables == nullptr ? TRUE : FALSE;
+    for (std::size_t i = 0; form.tables != nullptr && i < form.tables->of.size(); ++i) {
+        Install(form.tables->of[i].dc, *jpeg.dc_huff_tbl_ptrs[i]);
+        Install(form.tables->of[i].ac, *jpeg.ac_huff_tbl_ptrs[i]);
+    }
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/codecs/Sink.h"
+#include "platform/codecs/jpeg/Tables.h"
 
 namespace veltrane::codecs::jpeg {
 
@@ -13,6 +14,8 @@ struct Form {
     int height = 0;
     int quality = 75; ///< 0 to 100
     bool grey = false; ///< one component, from pixels whose red, green and blue are equal
+    const Tables* tables = nullptr; ///< read by the constructor; null: the best ones, for which the whole
+                                    ///< picture is held until Finish
 };
 
 /// A JPEG file being written, rows from top to bottom. Every operation raises what the sink raises, and
