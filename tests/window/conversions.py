@@ -89,9 +89,11 @@ def long_run(count):
         for use in uses[:: SAMPLES // 5]:
             print(f"        {use}")
         print(f"        at the end {uses[-1]}, at most {uses[-1].most / 2**20:.1f} MiB", flush=True)
-        early = uses[len(uses) // 10]
-        equal(uses[-1].memory - early.memory <= MOST_GROWTH, True, f"memory stays ({early}; {uses[-1]})")
-        equal(uses[-1].descriptors, early.descriptors, "descriptors")
+        early = uses[: len(uses) // 10 + 1]
+        most = max(use.descriptors for use in early)  # the session bus takes some now and then
+        grown = uses[-1].memory - early[-1].memory
+        equal(grown <= MOST_GROWTH, True, f"memory stays ({early[-1]}; {uses[-1]})")
+        equal(uses[-1].descriptors <= most, True, f"descriptors stay ({most}; {uses[-1]})")
         equal(len(names(place.pictures)), 3 * count, "files in the folder")
         hidden = [name for name in names(place.pictures) if name.startswith(b".")]
         equal(hidden, [], "temporary files")

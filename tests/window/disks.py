@@ -59,7 +59,7 @@ def filling(suffix, settings, sizes):
     def row(place):
         place.prefer(settings)
         model = place.pictures / "photo.gif"
-        pictures.noise(model, "300x300")
+        pictures.noise(model, "500x500")
         convert(place, [model], 0)
         new = model.with_suffix(suffix).read_bytes()
         rooms = [pages(len(new)) - sizes // 2 + number for number in range(sizes)]

