@@ -128,7 +128,10 @@ def at_random(times):
             folder = place.pictures / str(number)
             seen.append(ended_somewhere(place.inside(folder), number))
         middle = sum(0 < copies < FILES for copies in seen)
-        print(f"        {times} closings: {middle} in the middle of a batch (copies: {seen})", flush=True)
+        print(
+            f"        {times} closings: {middle} in the middle of a batch, after {min(seen)} to {max(seen)} copies",
+            flush=True,
+        )
 
     return row
 

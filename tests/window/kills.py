@@ -13,7 +13,7 @@ import sys
 import time
 
 import pictures
-from table import check, equal, names, option, until
+from table import Overdue, check, equal, names, option, until, wait
 
 SOURCE = "photo.tif"
 OLD = b"the older copy"
@@ -40,9 +40,11 @@ class Watch:
         return None
 
     def reach(self, condition):
-        """Waits, as closely as can be, until a condition holds or the process is idle again."""
-        while self.process.poll() is None and not condition():
-            pass
+        """Waits, as closely as can be, until a condition holds."""
+        end = time.monotonic() + wait.PATIENCE
+        while not condition():
+            if self.process.poll() is not None or time.monotonic() > end:
+                raise Overdue("the save that was to be watched")
 
     def stop(self):
         self.process.send_signal(signal.SIGSTOP)

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """A session manager of our own: prints its address, and ends the session when told so.
 
-A line "logout" on its input has every program that has registered save itself for the end of the session, and
-then die. What happens is told line by line: registered, saved, closed.
+A line "logout" on its input has every program that has registered save itself for the end of the session.
+What happens is told line by line: registered, saved, closed.
 Source: X Session Management Protocol 1.0, sections 5 and 6.
 """
 
@@ -23,9 +23,6 @@ for function in (
     ICE.IceGetListenConnectionNumber,
     ICE.IceConnectionStatus,
     ICE.IceConnectionNumber,
-    SM.SmsSaveComplete,
-    SM.SmsDie,
-    SM.SmsCleanUp,
 ):
     function.argtypes = [c_void_p]
 ICE.IceComposeNetworkIdList.restype = c_void_p
@@ -53,10 +50,9 @@ def register(client, _data, _previous):
     return 1
 
 
-def saved(client, _data, _success):
+def saved(_client, _data, _success):
+    # No word to die: a session may end by taking the screen away, and programs had better be gone by then.
     tell("saved")
-    SM.SmsSaveComplete(client)
-    SM.SmsDie(client)
 
 
 def closed(client, _data, _count, _reasons):

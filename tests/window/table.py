@@ -11,6 +11,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 
+from desk import wait  # noqa: E402, F401
 from desk.screen import Screen  # noqa: E402
 from desk.wait import Overdue, until  # noqa: E402, F401
 
