@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Confinement.h"
 #include "platform/FolderItem.h"
 #include "platform/Process.h"
 #include "platform/Runtime.h"
@@ -47,6 +48,9 @@ int main(int count, char** arguments)
     const std::unique_ptr<Toolkit> body = MakeQtToolkit(oneWindow);
     if (!body)
         return 1;
+#ifndef VELTRANE_UNCONFINED
+    (void)Confine(); // in a container it may be refused; pictures are converted there all the same
+#endif
     Runtime runtime(*body);
     for (const Ref<FolderItem>& document : documents)
         runtime.OpenDocument(document);
