@@ -15,18 +15,23 @@ public:
     /// Lets go of the picture that was drawn last.
     void Forget() { scaled.Forget(); }
 
+    /// The name that goes with the next picture to be drawn.
+    void TakeDocument(const QString& name) { document = name; }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     Canvas& canvas;
     ScaledPicture scaled;
+    QString document;
 };
 
 class CanvasView final : public ControlView {
 public:
     CanvasView(QWidget& parent, Canvas& canvas);
     void Refresh(bool now) override;
+    void ShowDocument(const QString& name) override;
 
 private:
     void ShowContent() override { }

@@ -26,6 +26,9 @@ public:
     /// Draws the widget again, before this returns when `now`.
     virtual void Refresh(bool now);
 
+    /// The document that the window is about; empty for none.
+    virtual void ShowDocument(const QString&) { }
+
     /// The smallest unit, 1 or more, at which the control's box holds its text in the font at hand.
     [[nodiscard]] virtual double NeededUnit() const { return 1; }
 

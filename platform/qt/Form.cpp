@@ -178,6 +178,12 @@ void Form::ShowControl(const RectControl& control)
     ShowNames();
 }
 
+void Form::ShowDocument(const QString& name)
+{
+    for (const auto& view : views)
+        view->ShowDocument(name);
+}
+
 void Form::RefreshControl(const RectControl& control, bool now)
 {
     if (ControlView* const view = ViewOf(control))

@@ -31,6 +31,7 @@ public:
     bool RenewUnit();
 
     void ShowControl(const RectControl& control);
+    void ShowDocument(const QString& name);
     void RefreshControl(const RectControl& control, bool now);
 
     /// Puts the keyboard's focus on the first control that takes it.

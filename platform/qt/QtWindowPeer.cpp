@@ -6,7 +6,10 @@
 namespace veltrane::qt {
 
 QtWindowPeer::QtWindowPeer(Window& window, Turns& turns)
-    : window(window), turns(turns), frame(window, [&turns] { turns.Painted(); })
+    : window(window)
+    , turns(turns)
+    , frame(window, [&turns] { turns.Painted(); })
+    , nameOnly(ToLine(window.Title()))
 {
     ShowTitle();
     ShowAcceptedTypes();
@@ -33,7 +36,10 @@ void QtWindowPeer::Hide()
 
 void QtWindowPeer::ShowTitle()
 {
-    frame.setWindowTitle(WithoutPlaceholders(ToLine(window.Title())));
+    const QString title = ToLine(window.Title());
+    frame.setWindowTitle(WithoutPlaceholders(title));
+    const QString before = nameOnly + QStringLiteral(" : ");
+    frame.Content().ShowDocument(title.startsWith(before) ? title.sliced(before.size()) : QString());
 }
 
 void QtWindowPeer::ShowAcceptedTypes()

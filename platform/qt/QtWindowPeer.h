@@ -27,6 +27,7 @@ private:
     Window& window;
     Turns& turns;
     MainWindow frame;
+    QString nameOnly; // the title before any document
 };
 
 } // namespace veltrane::qt

@@ -72,8 +72,10 @@ void ScreenGraphics::DrawPicture(const Ref<Picture>& picture, double x, double y
     const QRectF from(sourceX, sourceY, OrOwn(sourceWidth, ownWidth), OrOwn(sourceHeight, ownHeight));
     const bool inside
         = QRectF(0, 0, static_cast<double>(ownWidth), static_cast<double>(ownHeight)).contains(from);
-    if (painter != nullptr && to.width() > 0 && to.height() > 0 && !from.isEmpty() && inside)
-        Draw(pixels, to, from);
+    if (painter == nullptr || to.width() <= 0 || to.height() <= 0 || from.isEmpty() || !inside)
+        return;
+    Draw(pixels, to, from);
+    lastPicture = QSize(static_cast<int>(ownWidth), static_cast<int>(ownHeight));
 }
 
 void ScreenGraphics::Draw(const codecs::Bitmap& pixels, const QRectF& to, const QRectF& from)

@@ -36,6 +36,9 @@ public:
     /// The paint is over; drawing has no effect from now on.
     void End() noexcept { painter = nullptr; }
 
+    /// The whole size of the picture that was drawn last, in its own pixels; empty when none was.
+    [[nodiscard]] QSize LastPicture() const noexcept { return lastPicture; }
+
     [[nodiscard]] std::int64_t Width() const override { return size.width(); }
     [[nodiscard]] std::int64_t Height() const override { return size.height(); }
     void FillRect(double x, double y, double width, double height) override;
@@ -47,7 +50,7 @@ private:
     void Draw(const codecs::Bitmap& pixels, const QRectF& to, const QRectF& from);
 
     QPainter* painter;
-    QSize size;
+    QSize size, lastPicture;
     ScaledPicture& cache;
 };
 

@@ -62,7 +62,7 @@ def fitted(picture, canvas):
 
 def place_of(program):
     """The canvas inside its window, in the form's units; None when it cannot be told now."""
-    frame, canvas = program.find("frame"), program.find("image", "Aperçu")
+    frame, canvas = program.find("frame"), program.find("image")
     if frame is None or canvas is None:
         return None
     left, top, width, height = canvas.box

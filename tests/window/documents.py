@@ -70,7 +70,7 @@ def last_picture_shown(place):
     make_five(place)
     with place.start(*FIVE) as program:
         program.idle(5)
-        left, top, width, height = program.find("image", "Aperçu").box
+        left, top, width, height = program.find("image").box
         middle = left + width // 2, top + height // 2
         until(
             lambda: place.screen.pixel(*middle) == pictures.BLUE, "the last picture's colour in the preview"

@@ -42,7 +42,7 @@ def five_files(place):
         drop(place, program, uri_list(files))
         program.idle(5)
         equal(program.title(), "Veltrane V2 : 5.gif", "title")
-        left, top, width, height = program.find("image", "Aperçu").box
+        left, top, width, height = program.find("image").box
         middle = left + width // 2, top + height // 2
         until(lambda: place.screen.pixel(*middle) == pictures.BLUE, "the last picture in the preview")
         equal(program.close(), 0, "exit status")

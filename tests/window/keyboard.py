@@ -1,6 +1,12 @@
 #!/usr/bin/python3
 """The window without a mouse: the order of the focus, the keys of the slider, what a screen reader tells."""
 
+import subprocess
+import sys
+import threading
+from pathlib import Path
+
+import pictures
 from table import check, equal, until
 
 JPG, PNG = ("check box", "Auto Sauvegarde en JPG"), ("check box", "Auto Sauvegarde en PNG")
@@ -105,6 +111,54 @@ def names_told(place):
         equal(unnamed, [], "controls without a name")
 
 
+def preview_told(place):
+    """Who cannot see the preview learns whose picture it is and how large; the count tells each change."""
+    pictures.make(place.pictures / "a%1 & [*].gif", pictures.RED, size="400x30")
+    pictures.make(place.pictures / "b.gif", pictures.RED, size="1000x900")
+    (place.pictures / "c.gif").write_bytes(b"GIF89a no picture")
+    with Changes() as changes, place.start() as program:
+        program.idle(0)
+        equal(program.find("image").name, "Aperçu", "before the first picture")
+        for file, name in [
+            ("a%1 & [*].gif", "Aperçu de a%1 & [*].gif, 400 × 30"),
+            ("b.gif", "Aperçu de b.gif, 1000 × 900"),
+        ]:
+            place.start(file).ended()
+            until(lambda: program.find("image").name == name, f"{name} (told: {program.find('image').name})")
+            changes.wait_for("image", name)
+        for count in (1, 2):
+            changes.wait_for("label", f"{count} fichiers traités depuis l'ouverture.")
+        place.start("c.gif").ended()
+        program.answer()
+        equal(program.find("image").name, "Aperçu de b.gif, 1000 × 900", "after a file that is no picture")
+        equal(program.close(), 0, "exit status")
+
+
+class Changes:
+    """The new names that the accessibility bus is told of, from `with` to its end: (role, name) each."""
+
+    def __enter__(self):
+        listen = [sys.executable, Path(__file__).with_name("listener.py")]
+        self.told = []
+        self.process = subprocess.Popen(listen, stdout=subprocess.PIPE, text=True)
+        self.reader = threading.Thread(target=self._read, daemon=True)
+        self.reader.start()
+        until(lambda: self.told, "the listener")
+        return self
+
+    def _read(self):
+        for line in self.process.stdout:
+            self.told.append(tuple(line.rstrip("\n").split("\t")))
+
+    def __exit__(self, *_):
+        self.process.kill()
+        self.process.wait()
+        self.reader.join()
+
+    def wait_for(self, role, name):
+        until(lambda: (role, name) in self.told, f"the news that a {role} is named {name!r} ({self.told})")
+
+
 def whole_texts(place):
     """At the default and at the least size: every text inside its parent, none upon another."""
     with place.start() as program:
@@ -148,6 +202,7 @@ check(
         ("the label shows a loaded quality", loaded_quality),
         ("the space bar ticks and clears", space_ticks),
         ("every control tells its name", names_told),
+        ("the preview and the count tell what is new", preview_told),
         ("nothing is cut or covered, down to the least size", whole_texts),
     ]
 )

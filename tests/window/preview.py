@@ -14,7 +14,7 @@ INSET = (20, 167)  # of the canvas in the content, below the menu bar
 
 def inset(program):
     """Where the canvas lies in the content, and how large it is: (left, top, width, height)."""
-    content, shown = program.find("filler").box, program.find("image", "Aperçu").box
+    content, shown = program.find("filler").box, program.find("image").box
     return shown[0] - content[0], shown[1] - content[1], shown[2], shown[3]
 
 
