@@ -137,7 +137,7 @@ class Bus:
         asked = ("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetConnectionUnixProcessID")
         name = GLib.Variant("(s)", (NAME,))
         try:
-            answer = connected(self.environment).call_sync(*asked, name, None, Gio.DBusCallFlags.NONE, -1, None)
+            bus = connected(self.environment)
+            return bus.call_sync(*asked, name, None, Gio.DBusCallFlags.NONE, -1, None).unpack()[0]
         except GLib.Error:
             return 0
-        return answer.unpack()[0]

@@ -29,7 +29,7 @@ def handed_over(place, *documents, **options):
 
 
 def files_of_every_kind(place):
-    """A relative name from another folder, an address, a name that is no text, one with an address's signs."""
+    """A relative name from another folder, an address, names that are no text or hold an address's signs."""
     odd = [b"caf\xe9 \xff\n.gif", b"100%41#?&;[*].gif", "é 写真.gif".encode(), b"file:x.gif"]
     (place.pictures / "inner").mkdir()
     make(place, "a.gif", "b.gif", *odd)

@@ -66,12 +66,14 @@ def started_by_the_bus(place):
             copied(place, first)
             until(lambda: bus.windows() == 1, "the window")
             if second:
-                equal(bus.opened(address(place, second), environment=own.environment), "done", "the second call")
+                answer = bus.opened(address(place, second), environment=own.environment)
+                equal(answer, "done", "the second call")
                 copied(place, second)
                 equal(bus.windows(), 1, "windows after another call")
             bus.close_window()
             until(lambda: own.owner() == 0, "the end of the program")
-        equal(bus.call("Activate", "(a{sv})", {}, environment=own.environment), "done", "started without a file")
+        answer = bus.call("Activate", "(a{sv})", {}, environment=own.environment)
+        equal(answer, "done", "started without a file")
         until(lambda: bus.windows() == 1, "the window")
         bus.close_window()
 
@@ -151,7 +153,8 @@ def strange_calls(place):
         ]:
             answer = bus.call(method, kind, *arguments)
             equal(answer.startswith("org.freedesktop.DBus.Error.Unknown"), True, f"{method} {kind}: {answer}")
-        equal(bus.call("Open", "(asa{sv})", [], {"veltrane-screens": GLib.Variant("i", 5)}), "done", "odd data")
+        odd = {"veltrane-screens": GLib.Variant("i", 5)}
+        equal(bus.call("Open", "(asa{sv})", [], odd), "done", "odd data")
         equal(bus.opened("file:///no/such.gif", address(place, "a.gif")), "done", "a file that is gone")
         program.idle(1)
         equal(bus.opened("sftp://host/<b>x.gif"), "done", "an address elsewhere")
