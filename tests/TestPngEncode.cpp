@@ -85,6 +85,20 @@ constexpr Paint kText = [](unsigned x, unsigned y, unsigned) {
 constexpr Paint kSlope = [](unsigned x, unsigned y, unsigned) {
     return Colour { Byte(x / 3), Byte(y / 5), Byte(x / 7), 255 };
 };
+// Tiles that come again and again.
+constexpr Paint kTiles = [](unsigned x, unsigned y, unsigned) {
+    const unsigned u = x % 160, v = y % 7;
+    return Colour { Byte(60 + (u * u / 64 + u * v * 5) / 40), Byte(90 + (u * u / 50 + 40 * v) / 30),
+        Byte(30 + u * v / 9), 255 };
+};
+// The same on a slope: only what prediction leaves comes again.
+constexpr Paint kTilesOnSlope = [](unsigned x, unsigned y, unsigned n) {
+    Colour c = kTiles(x, y * y, n);
+    c[0] = Byte(c[0] + x / 16);
+    c[1] = Byte(c[1] + x / 11 + y / 9);
+    c[2] = Byte(c[2] + y / 4);
+    return c;
+};
 
 const EncodeCase kCases[] = {
     { "OnePixel", 1, 1,
@@ -111,6 +125,8 @@ const EncodeCase kCases[] = {
         },
         6, 8, 1.3 },
     { "Text", 700, 500, kText, 2, 8, 0.16 },
+    { "Tiles", 1100, 500, kTiles, 2, 8, 0.02 },
+    { "TilesOnSlope", 1100, 500, kTilesOnSlope, 2, 8, 0.18 },
     { "Slope", 700, 500, kSlope, 2, 8, 0.02 },
     { "Flat", 900, 900,
         [](unsigned, unsigned, unsigned) {

@@ -323,6 +323,12 @@ void Block::AddEnd(std::uint32_t count)
     sequences.push_back({ count, 0, 0 });
 }
 
+std::uint64_t BlockBits(const Block& block)
+{
+    const Code code = MakeDynamic(block);
+    return CodeHeader(code).Bits() + code.Cost(block);
+}
+
 void WriteBlock(BitWriter& to, const Block& block, Bytes bytes, bool last)
 {
     static const Code fixed = MakeFixed();

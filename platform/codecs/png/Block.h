@@ -43,6 +43,9 @@ struct Block {
     return bytes * 2 + 1024;
 }
 
+/// How many bits the block takes with a code of its own.
+[[nodiscard]] std::uint64_t BlockBits(const Block& block);
+
 /// Writes the block in the form that is shortest. `bytes`: what the sequences cover.
 void WriteBlock(BitWriter& to, const Block& block, Bytes bytes, bool last);
 

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "platform/codecs/png/DeflateStream.h"
 #include "platform/codecs/png/FilterRow.h"
 #include "platform/codecs/png/Form.h"
+#include "platform/codecs/png/Trial.h"
 
 namespace veltrane::codecs::png {
 
@@ -59,9 +61,14 @@ int Step(const std::uint8_t* a, const std::uint8_t* b) noexcept
     return largest;
 }
 
-// Drawings, text and screens have areas of one colour with sharp edges. Photographs have few equal
-// neighbours, and where they have many (a clear sky) the others differ little. One row in eight tells.
-Likeness LikenessOf(const Bitmap& picture, int from, int to)
+enum class Texture {
+    Natural, ///< few equal neighbours, as in photographs
+    Shaded, ///< areas of one colour, and soft changes
+    Hard, ///< areas of one colour with sharp edges: drawings, text, screens
+};
+
+// One row in eight tells.
+Texture TextureOf(const Bitmap& picture, int from, int to)
 {
     constexpr int kSmall = 4;
     std::size_t equal = 0, small = 0, large = 0;
@@ -74,7 +81,22 @@ Likeness LikenessOf(const Bitmap& picture, int from, int to)
             large += step > kSmall;
         }
     }
-    return 3 * equal >= small + large && 3 * large > small ? Likeness::Repeats : Likeness::Residues;
+    if (3 * equal < small + large)
+        return Texture::Natural;
+    return 2 * small >= large ? Texture::Shaded : Texture::Hard;
+}
+
+// How a band's rows are stored: filtered or as they are, with runs alone or with all that repeats.
+enum class Way { Photo, Shades, Drawing };
+
+constexpr bool IsFiltered(Way way) noexcept
+{
+    return way != Way::Drawing;
+}
+
+constexpr Likeness LikenessOf(Way way) noexcept
+{
+    return way == Way::Photo ? Likeness::Residues : Likeness::Repeats;
 }
 
 // A packed row with the margins that filters want.
@@ -110,23 +132,68 @@ public:
 private:
     void WriteBand(int from, int to)
     {
-        const bool direct = form.colour != ColourType::Palette && form.depth == 8;
-        const Likeness likeness = direct ? LikenessOf(picture, from, to) : Likeness::Repeats;
+        const Way way = WayFor(from, to);
         std::uint8_t* const room = stream.Room();
-        std::uint8_t* end = room;
+        const std::uint8_t* const end = Fill(room, from, to, IsFiltered(way));
+        stream.Write(static_cast<std::size_t>(end - room), LikenessOf(way), to == picture.Height());
+    }
+
+    // Stores rows behind each other; the end of them.
+    std::uint8_t* Fill(std::uint8_t* end, int from, int to, bool filtered)
+    {
         for (int y = from; y < to; ++y) {
             PackRow(form, picture.Row(y), current.Data(), width);
             // Filters look a little behind the row: what they see there must not depend on the processor.
             std::memset(current.Data() + rowBytes, 0, kRowMargin);
             Filter filter = kNone;
-            if (likeness == Likeness::Residues)
+            if (filtered)
                 filter = BestFilter(current.Data(), above.Data(), rowBytes, form.Step());
             *end++ = filter;
             FilterRow(filter, current.Data(), above.Data(), end, rowBytes, form.Step());
             end += rowBytes;
             std::swap(current, above);
         }
-        stream.Write(static_cast<std::size_t>(end - room), likeness, to == picture.Height());
+        return end;
+    }
+
+    // Where it is open, all ways are tried now and then, the more seldom the longer the same one wins: trying
+    // takes several times as long as writing.
+    Way WayFor(int from, int to)
+    {
+        constexpr int kFirstTrust = 4, kMostTrust = 64;
+        if (form.colour == ColourType::Palette || form.depth < 8)
+            return Way::Drawing;
+        const Texture texture = TextureOf(picture, from, to);
+        if (texture != Texture::Shaded)
+            return texture == Texture::Hard ? Way::Drawing : Way::Photo;
+        if (trusted == 0) {
+            const Way before = std::exchange(found, Try(from, to));
+            trust = found == before ? std::min(2 * trust, kMostTrust) : 0;
+            trusted = trust = std::max(trust, kFirstTrust);
+        }
+        --trusted;
+        return found;
+    }
+
+    Way Try(int from, int to)
+    {
+        if (!trial)
+            trial = std::make_unique<Trial>();
+        const PackedRow before = above;
+        std::vector<std::uint8_t> rows(static_cast<std::size_t>(to - from) * (rowBytes + 1) + kRowMargin);
+        const auto bits = [&](Way way) {
+            above = before;
+            const std::uint8_t* const end = Fill(rows.data(), from, to, IsFiltered(way));
+            const Bytes bytes { rows.data(), static_cast<std::size_t>(end - rows.data()) };
+            return trial->BitsOf(bytes, LikenessOf(way), form.Step());
+        };
+        const std::uint64_t photo = bits(Way::Photo), shades = bits(Way::Shades),
+                            drawing = bits(Way::Drawing);
+        above = before;
+        const std::uint64_t least = std::min(shades, drawing);
+        if (photo <= least + least / 6) // the way that takes a tenth of the time
+            return Way::Photo;
+        return shades < drawing ? Way::Shades : Way::Drawing;
     }
 
     const Bitmap& picture;
@@ -135,6 +202,9 @@ private:
     int bandRows;
     DeflateStream stream;
     PackedRow current, above;
+    std::unique_ptr<Trial> trial;
+    Way found = Way::Photo; ///< by the last trial
+    int trust = 0, trusted = 0; ///< bands for which it holds, and how many of them are left
 };
 
 } // namespace

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/codecs/Bytes.h"
+#include "platform/codecs/png/Block.h"
+#include "platform/codecs/png/DeflateStream.h"
+#include "platform/codecs/png/Matches.h"
+
+namespace veltrane::codecs::png {
+
+/// Tells what bytes would come to if they were written, without writing them.
+class Trial {
+public:
+    /// Bits that `bytes` take, looked at as `likeness` says and without what came before them. A pixel takes
+    /// `step` bytes.
+    [[nodiscard]] std::uint64_t BitsOf(Bytes bytes, Likeness likeness, std::size_t step);
+
+private:
+    MatchFinder finder;
+    std::uint32_t origin = kWindow + 1; ///< behind whatever the finder remembers of other bytes
+    Block block;
+};
+
+} // namespace veltrane::codecs::png
