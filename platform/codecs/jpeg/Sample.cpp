@@ -18,6 +18,8 @@ namespace {
 
 constexpr int kUnit = 16; // covers the largest block of all components that we write
 constexpr int kPieceWidth = 16 * kUnit;
+constexpr int kMostPieces = 1024; // four million pixels: more would change nothing
+static_assert(kMostPieces * kUnit <= JPEG_MAX_DIMENSION); // they are coded as one picture
 
 // Up to so many pixels the library makes the tables from the whole picture.
 constexpr std::int64_t kSmall = 1 << 18;
@@ -39,7 +41,8 @@ struct Pieces {
         constexpr std::int64_t kFewest = 1 << 17; // but not fewer
         const std::int64_t pixels = std::int64_t { picture.Width() } * picture.Height();
         const std::int64_t wanted = std::max(pixels / kShare, kFewest);
-        count = static_cast<int>(wanted / (std::int64_t { width } * kUnit));
+        const std::int64_t pieces = wanted / (std::int64_t { width } * kUnit);
+        count = static_cast<int>(std::min<std::int64_t>(pieces, kMostPieces));
     }
 
     [[nodiscard]] const std::uint8_t* Row(int piece, int row) const
