@@ -161,8 +161,10 @@ struct MemoryCase {
 
 // Pixels, then what the decoder holds beside them: a few rows of blocks, or all blocks.
 constexpr std::int64_t kScene = 42 * 27 * 4, kSquare = 3000 * 3000;
+constexpr std::int64_t kTurning = 27 * 4 * 64; // stored rows on their way to columns
 constexpr MemoryCase kMemory[] = {
     { "Baseline", "baseline-444", kScene + 10'000, kScene },
+    { "Turned", "turned-6", kScene + 10'000 + kTurning, kScene + kTurning },
     { "Progressive", "bad-scans-without-end", 4 * kSquare + 2 * kSquare, 4 * kSquare + kSquare },
 };
 

@@ -135,8 +135,14 @@ UprightRows::UprightRows(int storedWidth, int storedHeight, Orientation orientat
                                       : Bitmap::Uninitialised(storedWidth, storedHeight))
     , pixels(picture.Writable())
 {
-    if (orientation != Orientation::TopLeft)
-        strip.resize(static_cast<std::size_t>(storedWidth) * Bitmap::kBytesPerPixel * kStrip);
+    strip.resize(static_cast<std::size_t>(WorkingBytes(storedWidth, orientation)));
+}
+
+std::int64_t UprightRows::WorkingBytes(int storedWidth, Orientation orientation) noexcept
+{
+    if (orientation == Orientation::TopLeft)
+        return 0;
+    return std::int64_t { storedWidth } * std::int64_t { Bitmap::kBytesPerPixel } * kStrip;
 }
 
 std::uint8_t* UprightRows::Next() noexcept

@@ -40,6 +40,9 @@ public:
     /// For a stored picture of this size. Raises OutOfMemoryException when its pixels do not fit.
     UprightRows(int storedWidth, int storedHeight, Orientation orientation);
 
+    /// Bytes held beside the picture.
+    [[nodiscard]] static std::int64_t WorkingBytes(int storedWidth, Orientation orientation) noexcept;
+
     /// Where to write the next stored rows, RGBA without padding: room for kAtOnce, or for all that are left
     /// when they are fewer.
     [[nodiscard]] std::uint8_t* Next() noexcept;

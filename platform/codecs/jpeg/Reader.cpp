@@ -8,6 +8,7 @@
 #include <jpeglib.h>
 
 #include "platform/Exceptions.h"
+#include "platform/codecs/Orientation.h"
 #include "platform/codecs/jpeg/Scans.h"
 #include "platform/codecs/jpeg/Trap.h"
 
@@ -100,7 +101,9 @@ void Reader::Library::ReadHeader(Bytes file)
 
 void Reader::Library::CheckSize(const Limits& limits) const
 {
-    limits.Check(jpeg.image_width, jpeg.image_height, Scans::WorkingBytes(jpeg));
+    const std::int64_t turning
+        = UprightRows::WorkingBytes(static_cast<int>(jpeg.image_width), metadata.Turn());
+    limits.Check(jpeg.image_width, jpeg.image_height, Scans::WorkingBytes(jpeg) + turning);
     constexpr std::array kRead { JCS_GRAYSCALE, JCS_YCbCr, JCS_RGB, JCS_CMYK, JCS_YCCK };
     if (std::ranges::find(kRead, jpeg.jpeg_color_space) == kRead.end())
         throw UnsupportedFormatException(
