@@ -7,6 +7,7 @@
 
 #include "platform/Runtime.h"
 #include "platform/qt/Accessibility.h"
+#include "platform/qt/FontsAhead.h"
 #include "platform/qt/MainWindow.h"
 #include "platform/qt/MessageBox.h"
 #include "platform/qt/OneWindow.h"
@@ -49,6 +50,7 @@ public:
 
 private:
     OneWindow& oneWindow;
+    FontsAhead fonts; // begun before the toolkit starts
     QtApplication application;
     Signals signals;
     Turns turns;
@@ -62,6 +64,7 @@ QtToolkit::QtToolkit(OneWindow& oneWindow)
     , application(argumentCount, arguments)
     , signals([] { Runtime::Current().RequestEnd(); })
 {
+    fonts.Finish();
     InstallAccessibility();
     sinceYield.start();
 }
