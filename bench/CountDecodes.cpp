@@ -1,4 +1,5 @@
-// Loaded before the program (LD_PRELOAD): adds a line to the file $COUNT_DECODES for each JPEG decode that begins.
+// Loaded before the program (LD_PRELOAD): adds a line to the file $COUNT_DECODES for each JPEG decode that
+// begins.
 
 #include <dlfcn.h>
 

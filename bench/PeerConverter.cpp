@@ -2,8 +2,8 @@
 //
 //     peer_converter SUFFIX QUALITY FOLDER FILE…      quality -1: the writer's own
 
-#include <QFileInfo>
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
 
