@@ -45,13 +45,11 @@ def row_lines(row, old, new):
         ("cpu", row.cpu_peer, number, row.must[0], row.aim[0]),
         ("bytes", new["bytes_peer"], exact, row.must[1], row.aim[1]),
     ):
-        name, ratio = new[f"picture_{what}"]
-        mark = "" if ratio <= must * PICTURE_WITHIN else " **missed**"
         work = row.work if what == "cpu" else ""
         lines.append(
             f"| {work} | {'CPU' if what == 'cpu' else 'bytes'} | {peer} | {must:.2f} | {aim:.2f} "
             f"| {show(old.get(what))} | {show(new[what])} | {verdict(new[what], must, aim)} "
-            f"| {name} {show(ratio)}{mark} |"
+            f"| {worst_picture(new[f'picture_{what}'], must, show)} |"
         )
     if row.psnr:
         before, psnr = old.get("psnr"), new["psnr"]
@@ -62,6 +60,13 @@ def row_lines(row, old, new):
             f"| {exact(psnr['mean'])} | {met} | {name} {exact(least)} |"
         )
     return lines
+
+
+def worst_picture(found, must, show):
+    if not found:
+        return ""
+    name, ratio = found
+    return f"{name} {show(ratio)}" + ("" if ratio <= must * PICTURE_WITHIN else " **missed**")
 
 
 def tools_table(now):
