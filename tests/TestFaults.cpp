@@ -159,7 +159,8 @@ protected:
             }
         });
         run.Go();
-        EXPECT_GE(failures, GetParam().refused ? 12 : 30) << "the sweep met too few failures to prove anything";
+        EXPECT_GE(failures, GetParam().refused ? 12 : 30)
+            << "the sweep met too few failures to prove anything";
     }
 
     ProgramRun run;

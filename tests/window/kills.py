@@ -2,7 +2,7 @@
 """Killed while it saves, the program leaves the old copy or the new one: kills.py [--kills N] [ROW...]
 
 Of four kills three fall when a share of the bytes is written, drawn at random, and one at a random moment
-between the start and the end of a whole run.
+between the start and the end of a whole run. When too few of them meet the writing, more follow.
 """
 
 import contextlib
@@ -137,18 +137,20 @@ def killed(copy, settings, kills):
         series = Series(place, copy)
         series.renew()
         series.whole_run()
-        for number in range(kills):
+        number = 0
+        while number < kills or (series.within * 2 < kills and number < 5 * kills):
             series.kill(number)
+            number += 1
         # The next save takes away what the last kill may have left.
         series.renew()
         series.whole_run()
-        late = kills - series.within - series.before
+        late = number - series.within - series.before
         print(
-            f"        {kills} kills: {series.within} between the first and the last write, "
+            f"        {number} kills: {series.within} between the first and the last write, "
             f"{series.before} before, {late} after; {series.left_overs} left a name",
             flush=True,
         )
-        equal(series.within * 2 >= kills, True, f"half of the kills met the writing ({series.within})")
+        equal(series.within * 2 >= kills, True, f"enough kills met the writing ({series.within})")
 
     return row
 
