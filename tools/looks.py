@@ -12,21 +12,15 @@ import sys
 import tempfile
 from pathlib import Path
 
-from desk import wait
+from desk import themes, wait
 from desk.screen import Screen
+from desk.themes import CONTRAST, DARK, LIGHT
 
 ROOT = Path(__file__).resolve().parent.parent
 PROGRAM = ROOT / "build/release/Veltrane"
 SHOTS = ROOT / "build/looks"
 SHEET = ROOT / "docs/looks.png"
 
-# Colours in a theme's own file, by part: background, text, and those of what is chosen.
-LIGHT = {"Window": ("239,240,241", "35,38,41"), "Button": ("252,252,252", "35,38,41"),
-         "View": ("255,255,255", "35,38,41"), "Selection": ("61,174,233", "255,255,255")}
-DARK = {"Window": ("42,46,50", "252,252,252"), "Button": ("49,54,59", "252,252,252"),
-        "View": ("27,30,32", "252,252,252"), "Selection": ("61,174,233", "252,252,252")}
-CONTRAST = {"Window": ("0,0,0", "255,255,255"), "Button": ("0,0,0", "255,255,255"),
-            "View": ("0,0,0", "255,255,255"), "Selection": ("255,255,0", "0,0,0")}
 LONG = "Été à la mer, chez Zoé & Léon — <b>dernière série, prise de vue n° 0042 (recadrée, retouchée, finale) %1"
 
 # Caption, file name, and what differs from the usual: theme, font, scale, size asked for.
@@ -64,22 +58,12 @@ def landscape(target):
     plain.rename(target)
 
 
-def theme_file(theme, points):
-    """What a desktop of the K kind stores of its theme, which the toolkit reads by itself."""
-    lines = ["[General]", f"font=DejaVu Sans,{points},-1,5,50,0,0,0,0,0"]
-    for part, (back, text) in (theme or LIGHT).items():
-        lines += [f"[Colors:{part}]", f"BackgroundNormal={back}", f"ForegroundNormal={text}",
-                  f"BackgroundAlternate={back}", "DecorationFocus=61,174,233", "DecorationHover=61,174,233"]
-    return "\n".join(lines) + "\n"
-
-
 def shoot(screen, folder, number, name, dress):
     from desk.program import Program  # it finds its bus by the screen's environment
 
     environment = {}
     if dress.get("theme") or dress.get("points"):
-        (folder / "kdeglobals").write_text(theme_file(dress.get("theme"), dress.get("points", 10)))
-        environment = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "5"}
+        environment = themes.dress(folder, dress.get("theme"), dress.get("points", 10))
     if "scale" in dress:
         environment["QT_SCALE_FACTOR"] = str(dress["scale"])
     documents = []

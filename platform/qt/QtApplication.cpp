@@ -7,6 +7,7 @@
 #include "platform/FolderItem.h"
 #include "platform/Runtime.h"
 #include "platform/UriList.h"
+#include "platform/qt/ClearStyle.h"
 #include "platform/qt/Edge.h"
 
 // A library's own resources wait to be asked for; the macro wants to stand outside of name spaces.
@@ -41,6 +42,7 @@ QtApplication::QtApplication(int& count, char** arguments) : QApplication(count,
     setApplicationName(QStringLiteral("Veltrane"));
     setDesktopFileName(QStringLiteral("org.veltrane.veltrane"));
     setWindowIcon(WindowIcon());
+    ClearStyle::Install();
     setQuitOnLastWindowClosed(false);
     // The session waits for the answer to this signal, not for the end of the program: the close has its
     // turn right behind it.

@@ -1,0 +1,94 @@
+#include "platform/qt/ClearStyle.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QStyleOption>
+#include <algorithm>
+#include <cmath>
+
+namespace veltrane::qt {
+
+namespace {
+
+constexpr double kContrast = 3; // Web Content Accessibility Guidelines 2.1, 1.4.11
+
+// Web Content Accessibility Guidelines 2.1, relative luminance.
+double Luminance(const QColor& colour)
+{
+    const auto linear
+        = [](double part) { return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF())
+        + 0.0722 * linear(colour.blueF());
+}
+
+double Contrast(const QColor& one, const QColor& other)
+{
+    const auto [darker, lighter] = std::minmax({ Luminance(one), Luminance(other) });
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+// As the screen will show it, in 8 bits.
+QColor Mixed(const QColor& back, const QColor& text, double share)
+{
+    const auto part
+        = [share](float from, float to) { return from + static_cast<float>(share) * (to - from); };
+    return { QColor::fromRgbF(
+        part(back.redF(), text.redF()), part(back.greenF(), text.greenF()), part(back.blueF(), text.blueF()))
+                 .rgb() };
+}
+
+// As little of the text's colour as stands out from the window.
+QColor Outline(const QPalette& palette)
+{
+    const QColor back = palette.color(QPalette::Window), text = palette.color(QPalette::WindowText);
+    double share = 0;
+    while (share < 1 && Contrast(back, Mixed(back, text, share)) < kContrast)
+        share += 0.03125;
+    return Mixed(back, text, share);
+}
+
+// Along the middle of the pixels, where the style draws its own.
+void DrawOutline(QPainter& painter, const QRect& rect, const QPalette& palette, double radius)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(0.5, 0.5);
+    painter.setPen(Outline(palette));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(rect, radius, radius);
+    painter.restore();
+}
+
+} // namespace
+
+void ClearStyle::Install()
+{
+    const QString name = QApplication::style()->name();
+    if (name.compare(QLatin1String("fusion"), Qt::CaseInsensitive) == 0)
+        QApplication::setStyle(new ClearStyle(name));
+}
+
+void ClearStyle::drawPrimitive(
+    PrimitiveElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const
+{
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (element == PE_IndicatorCheckBox)
+        DrawOutline(*painter, option->rect.adjusted(0, 0, -1, -1), option->palette, 0);
+}
+
+void ClearStyle::drawComplexControl(
+    ComplexControl control, const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const
+{
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control != CC_Slider)
+        return;
+    const QRect handle = subControlRect(control, option, SC_SliderHandle, widget).adjusted(1, 1, -1, -1);
+    const QRect groove = subControlRect(control, option, SC_SliderGroove, widget).adjusted(1, 1, -1, -1);
+    DrawOutline(*painter, handle.adjusted(0, 0, -1, -1), option->palette, 2);
+    painter->save();
+    painter->setClipRegion(QRegion(groove).subtracted(handle)); // which stands before it
+    DrawOutline(*painter, groove.adjusted(0, 0, -1, -1), option->palette, 1);
+    painter->restore();
+}
+
+} // namespace veltrane::qt
