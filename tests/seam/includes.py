@@ -10,7 +10,7 @@ import sys
 from pathlib import Path
 
 INCLUDE = re.compile(r"^\s*#\s*include\s*[<\"]([^>\"]+)[>\"]")
-TOOLKIT = re.compile(r"^(Q[A-Z]|Qt|qt|q[a-z]+\.h$)")
+TOOLKIT = re.compile(r"^(Q[A-Z]|Qt|qt|q[a-z]+\.h$|xcb/)")
 CODEC = re.compile(
     r"^(jpeglib|jerror|jconfig|jmorecfg|turbojpeg|png|spng|zlib|libdeflate|tiff|tiffio|tiffconf)\.h"
     r"|^(gif_lib|lcms2|ft2build)\.h|^(fontconfig|freetype)/"
@@ -22,7 +22,7 @@ COMPARING = ("bench/", "tests/seam/Logic.cpp")
 
 def may_include(path, header):
     """Why a file may not include a header; nothing if it may."""
-    if TOOLKIT.match(header) and not path.startswith(("platform/qt/", *COMPARING)):
+    if TOOLKIT.match(header) and not path.startswith(("platform/qt/", "tests/qt/", *COMPARING)):
         return "the toolkit belongs to platform/qt"
     if CODEC.match(header) and not path.startswith(COMPARING):
         if not path.startswith("platform/codecs/"):
