@@ -4,6 +4,7 @@
 import os
 import signal
 import subprocess
+import tempfile
 
 import bus
 import pictures
@@ -79,6 +80,30 @@ def minimise(program):
     window = str(program.window())
     subprocess.run(["xdotool", "windowminimize", window], check=True)
     until(lambda: program.window() is None, "the window to be out of sight")
+
+
+def startup_ends(place):
+    """The desktop, which shows a busy pointer for each start, hears of the end of both."""
+    with tempfile.TemporaryFile() as log:
+        watcher = subprocess.Popen(["xev", "-root", "-event", "property"], stdout=log)
+
+        def heard():
+            return os.pread(log.fileno(), 1 << 20, 0).count(b"(_NET_STARTUP_INFO_BEGIN)")
+
+        try:
+            until(lambda: os.fstat(log.fileno()).st_size > 0 or touch_root(), "the watcher to listen")
+            with place.start(environment={"DESKTOP_STARTUP_ID": "first_TIME1"}) as program:
+                program.idle(0)
+                until(lambda: heard() == 1, "the end of the first start")
+                handed_over(place, environment={"DESKTOP_STARTUP_ID": "second_TIME2"})
+                until(lambda: heard() == 2, "the end of the second start")
+        finally:
+            watcher.kill()
+            watcher.wait()
+
+
+def touch_root():
+    subprocess.run(["xprop", "-root", "-f", "_TRIED", "8s", "-set", "_TRIED", "x"], check=True)
 
 
 def in_the_middle_of_a_batch(place):
@@ -190,6 +215,7 @@ check(
         ("files of every kind of name", files_of_every_kind),
         ("the window comes to the front", comes_to_the_front(lambda program: None)),
         ("the window comes back from the task bar", comes_to_the_front(minimise)),
+        ("the desktop hears that the start has ended", startup_ends),
         ("in the middle of a batch", in_the_middle_of_a_batch),
         ("while a box is open", while_a_box_is_open),
         ("many starts at once", many_at_once),
