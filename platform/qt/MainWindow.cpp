@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScreen>
+#include <QShortcut>
 #include <QStyle>
 #include <QUrl>
 #include <QWindow>
@@ -41,6 +42,17 @@ MainWindow::MainWindow(Window& window, std::function<void()> onPaint)
     setContextMenuPolicy(Qt::NoContextMenu);
     ShowButtons();
     ShowMenuBar();
+    OpenMenusByKey();
+}
+
+// The key that most desktops have for it; the toolkit knows only Alt.
+void MainWindow::OpenMenusByKey()
+{
+    auto* const key = new QShortcut(Qt::Key_F10, this);
+    QObject::connect(key, &QShortcut::activated, this, [this] {
+        if (!menuBar()->isHidden() && !menuBar()->actions().isEmpty())
+            menuBar()->setActiveAction(menuBar()->actions().constFirst());
+    });
 }
 
 void MainWindow::ShowButtons()

@@ -35,6 +35,7 @@ private:
     void SizeContent(QSize wanted);
     void BoundSize();
     void ShowButtons();
+    void OpenMenusByKey();
 
     Window& window;
     Form& form;

@@ -88,6 +88,19 @@ def space_ticks(place):
             until(lambda: program.find(*JPG).has("checked") == wanted, f"ticked: {wanted}")
 
 
+def menus_open(place):
+    """By either key; Escape leads back to where the focus was."""
+    with place.start() as program:
+        program.activate()
+        until(lambda: focused(program) == JPG, "the focus at the start")
+        for keys, back in ((["F10"], ["Escape", "Escape"]), (["Alt_L", "Down"], ["Escape", "Escape"])):
+            program.keys(*keys)
+            until(lambda: program.find("menu item", "Quit").has("showing"), f"the menu after {keys}")
+            program.keys(*back)
+            until(lambda: not program.find("menu item", "Quit").has("showing"), "the menu to go")
+            until(lambda: focused(program) == JPG, f"the focus where it was ({focused(program)})")
+
+
 def names_told(place):
     with place.start() as program:
         program.idle(0)
@@ -201,6 +214,7 @@ check(
         ("the slider moves by 1 and by 10 and keeps its range", slider_keys),
         ("the label shows a loaded quality", loaded_quality),
         ("the space bar ticks and clears", space_ticks),
+        ("the menus open by a key", menus_open),
         ("every control tells its name", names_told),
         ("the preview and the count tell what is new", preview_told),
         ("nothing is cut or covered, down to the least size", whole_texts),
