@@ -10,6 +10,7 @@
 
 #include "platform/Exceptions.h"
 #include "platform/ScalerSums.h"
+#include "platform/codecs/Processor.h"
 
 namespace veltrane {
 
@@ -247,7 +248,7 @@ void ScaleAnywhere(Job& job, std::span<const Span> down, const ScaledPixels& tar
 Scaling ScalingFor(bool opaque)
 {
 #ifdef __x86_64__
-    if (__builtin_cpu_supports("avx2") != 0)
+    if (codecs::HasAvx2())
         return opaque ? ScaleAvx2<OpaqueBlock> : ScaleAvx2<AlphaBlock>;
 #endif
     return opaque ? ScaleAnywhere<OpaqueBlock> : ScaleAnywhere<AlphaBlock>;

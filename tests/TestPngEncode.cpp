@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/codecs/Processor.h"
 #include "platform/codecs/png/Png.h"
 #include "tests/Naming.h"
 
@@ -228,6 +229,19 @@ TEST_P(PngEncode, IsExactAndSmallInItsForm)
     for (const std::string& type : ChunkTypes(file.bytes))
         EXPECT_TRUE(known.contains(type)) << type;
     EXPECT_TRUE(ChunkTypes(file.bytes).contains("sRGB"));
+}
+
+// The paths for newer processors change nothing but the time.
+TEST_P(PngEncode, IsTheSameOnAnOlderProcessor)
+{
+    const EncodeCase& c = GetParam();
+    const Bitmap picture = Painted(c.width, c.height, c.paint);
+    MemorySink here, there;
+    kPng.encode(picture, -1, here);
+    const codecs::OldProcessor old;
+    kPng.encode(picture, -1, there);
+    EXPECT_TRUE(here.bytes == there.bytes);
+    ExpectSame(kPng.decode(here.bytes, codecs::Limits {}), picture);
 }
 
 INSTANTIATE_TEST_SUITE_P(Png, PngEncode, testing::ValuesIn(kCases), tests::kByName);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/Scaler.h"
+#include "platform/codecs/Processor.h"
 #include "tests/Naming.h"
 
 using namespace veltrane;
@@ -81,6 +82,31 @@ std::array<double, 4> Average(const Bitmap& source, const SourceArea& covered)
 
 class Scaler : public testing::TestWithParam<Row> { };
 
+void ExpectExactAverage(const Row& row)
+{
+    const Bitmap source = Noise(row);
+    // Two bytes more to a row than it holds, which must stay as they were.
+    const std::size_t stride = static_cast<std::size_t>(row.targetWidth) * 4 + 2;
+    std::vector<std::uint8_t> pixels(stride * static_cast<std::size_t>(row.targetHeight), 0xA5);
+    ScaleByArea(source, row.area, { pixels.data(), row.targetWidth, row.targetHeight, stride });
+
+    constexpr double kTolerance = 0.5 + 1 / 64.0; // rounding, and the precision of the sums
+    const double width = row.area.width / row.targetWidth;
+    const double height = row.area.height / row.targetHeight;
+    for (int y = 0; y < row.targetHeight; ++y) {
+        const std::uint8_t* const out = pixels.data() + static_cast<std::size_t>(y) * stride;
+        for (int x = 0; x < row.targetWidth; ++x) {
+            const auto exact
+                = Average(source, { row.area.x + x * width, row.area.y + y * height, width, height });
+            for (std::size_t c = 0; c < 4; ++c)
+                ASSERT_NEAR(out[static_cast<std::size_t>(x) * 4 + c], exact[c], kTolerance)
+                    << "at " << x << ", " << y << " channel " << c;
+        }
+        EXPECT_EQ(out[stride - 2], 0xA5);
+        EXPECT_EQ(out[stride - 1], 0xA5);
+    }
+}
+
 constexpr Row kRows[] = {
     { "whole_ratio", 12, 8, { 0, 0, 12, 8 }, 3, 4 },
     { "odd_ratio", 37, 23, { 0, 0, 37, 23 }, 7, 5 },
@@ -111,28 +137,13 @@ constexpr Row kRows[] = {
 
 TEST_P(Scaler, IsTheExactAverage)
 {
-    const Row& row = GetParam();
-    const Bitmap source = Noise(row);
-    // Two bytes more to a row than it holds, which must stay as they were.
-    const std::size_t stride = static_cast<std::size_t>(row.targetWidth) * 4 + 2;
-    std::vector<std::uint8_t> pixels(stride * static_cast<std::size_t>(row.targetHeight), 0xA5);
-    ScaleByArea(source, row.area, { pixels.data(), row.targetWidth, row.targetHeight, stride });
+    ExpectExactAverage(GetParam());
+}
 
-    constexpr double kTolerance = 0.5 + 1 / 64.0; // rounding, and the precision of the sums
-    const double width = row.area.width / row.targetWidth;
-    const double height = row.area.height / row.targetHeight;
-    for (int y = 0; y < row.targetHeight; ++y) {
-        const std::uint8_t* const out = pixels.data() + static_cast<std::size_t>(y) * stride;
-        for (int x = 0; x < row.targetWidth; ++x) {
-            const auto exact
-                = Average(source, { row.area.x + x * width, row.area.y + y * height, width, height });
-            for (std::size_t c = 0; c < 4; ++c)
-                ASSERT_NEAR(out[static_cast<std::size_t>(x) * 4 + c], exact[c], kTolerance)
-                    << "at " << x << ", " << y << " channel " << c;
-        }
-        EXPECT_EQ(out[stride - 2], 0xA5);
-        EXPECT_EQ(out[stride - 1], 0xA5);
-    }
+TEST_P(Scaler, IsTheExactAverageOnAnOlderProcessor)
+{
+    const codecs::OldProcessor old;
+    ExpectExactAverage(GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(Areas, Scaler, testing::ValuesIn(kRows), tests::kByName);

@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "platform/codecs/PrefixCode.h"
+#include "platform/codecs/Processor.h"
 #include "platform/codecs/png/Huffman.h"
 
 namespace veltrane::codecs::png {
@@ -264,8 +265,7 @@ struct Entries {
 void WriteSymbols(BitWriter& to, const Code& code, const Block& block, const std::uint8_t* bytes)
 {
 #ifdef __x86_64__
-    static const bool hasBmi2 = __builtin_cpu_supports("bmi2") != 0;
-    if (hasBmi2)
+    if (HasBmi2())
         return WriteAllBmi2(to, code, block, bytes);
 #endif
     WriteAll(to, code, block, bytes);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "platform/codecs/Processor.h"
 #include "platform/codecs/png/PaethVector.h"
 
 namespace veltrane::codecs::png {
@@ -142,12 +143,6 @@ template<Filter filter>
     std::uint8_t* residues, std::size_t bytes, std::size_t step)
 {
     WriteAny(filter, row, above, residues, bytes, step);
-}
-
-bool HasAvx2() noexcept
-{
-    static const bool has = __builtin_cpu_supports("avx2") != 0;
-    return has;
 }
 #endif
 

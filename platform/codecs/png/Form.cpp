@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstring>
 
+#include "platform/codecs/Processor.h"
+
 namespace veltrane::codecs::png {
 
 namespace {
@@ -133,8 +135,7 @@ void PackRgbFrom(const std::uint8_t* rgba, std::uint8_t* row, std::size_t i, std
 void PackRgb(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
 {
 #ifdef __x86_64__
-    static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-    if (hasAvx2)
+    if (HasAvx2())
         return PackRgbAvx2(rgba, row, width);
 #endif
     PackRgbFrom(rgba, row, 0, width);

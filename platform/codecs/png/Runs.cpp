@@ -8,6 +8,8 @@
 #include <immintrin.h>
 #endif
 
+#include "platform/codecs/Processor.h"
+
 namespace veltrane::codecs::png {
 
 namespace {
@@ -168,8 +170,7 @@ template<class ZeroMask>
 void FindRuns(Bytes bytes, Block& block)
 {
 #ifdef __x86_64__
-    static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-    if (hasAvx2)
+    if (HasAvx2())
         return FindAvx2(bytes, block);
 #endif
     Find(bytes, block, PortableMask {});

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstring>
 
+#include "platform/codecs/Processor.h"
 #include "platform/codecs/png/PaethVector.h"
 
 namespace veltrane::codecs::png {
@@ -216,8 +217,7 @@ void UnfilterBand(const std::uint8_t* rows, std::size_t step, const std::uint8_t
     std::size_t width)
 {
 #ifdef __x86_64__
-    static const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
-    if (hasAvx2)
+    if (HasAvx2())
         return RunBandAvx2(rows, step, above, rgba, width);
 #endif
     // Four lanes fill a register where there is nothing newer.
