@@ -115,10 +115,15 @@ void MatchFinder::Note(const Stretch& in, std::size_t at)
     threes[HashOfThree(in.data + at)] = position;
 }
 
+// Strings of three bytes are not noted: inside a match, one of four bytes serves as well.
 void MatchFinder::Skip(const Stretch& in, std::size_t from, std::size_t to)
 {
-    for (to = std::min(to, in.end - std::min<std::size_t>(in.end, 3)); from < to; ++from)
-        Note(in, from);
+    for (to = std::min(to, in.end - std::min<std::size_t>(in.end, 3)); from < to; ++from) {
+        const std::uint32_t position = in.origin + static_cast<std::uint32_t>(from);
+        std::uint32_t& head = heads[HashOfFour(in.data + from)];
+        previous[position % kWindow] = head;
+        head = position;
+    }
 }
 
 std::size_t MatchFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to,
