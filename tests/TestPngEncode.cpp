@@ -125,7 +125,7 @@ const EncodeCase kCases[] = {
             return c;
         },
         6, 8, 1.3 },
-    { "Text", 700, 500, kText, 2, 8, 0.16 },
+    { "Text", 700, 500, kText, 2, 8, 0.165 },
     { "Tiles", 1100, 500, kTiles, 2, 8, 0.02 },
     { "TilesOnSlope", 1100, 500, kTilesOnSlope, 2, 8, 0.18 },
     { "Slope", 700, 500, kSlope, 2, 8, 0.02 },

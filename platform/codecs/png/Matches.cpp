@@ -9,7 +9,7 @@ namespace veltrane::codecs::png {
 namespace {
 
 constexpr int kHashBits = 15, kThreesBits = 14;
-constexpr unsigned kNice = kLongestMatch; // a match this long is taken without a look at the next position
+constexpr unsigned kSettled = 64; // a match this long is taken without a look at the next position
 constexpr std::size_t kRun = 16; // a match this long that repeats the last pixel is a run
 
 // How many candidates are looked at. A texture has many and none much better than the first, a drawing few
@@ -90,7 +90,7 @@ MatchFinder::Match MatchFinder::Find(const Stretch& in, std::size_t at, unsigned
             const unsigned length = CommonLength(here, there, 0, most);
             if (length > std::max(best.length, 3U)) {
                 best = { length, distance };
-                if (length >= kNice || length == most)
+                if (length == most)
                     break;
             }
         }
@@ -141,7 +141,7 @@ std::size_t MatchFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std
             continue;
         }
         std::size_t noted = at + 1;
-        while (match.length < kNice) { // a better match one byte on is worth a literal
+        while (match.length < kSettled) { // a better match one byte on is worth a literal
             const Match next = Find(in, at + 1, match.length - 1, depth / 2);
             ++noted;
             if (next.length == 0 || Worth(next) <= Worth(match) + 2)
