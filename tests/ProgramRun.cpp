@@ -17,6 +17,8 @@ namespace {
 
 using namespace codecs;
 
+int decoded = 0; // plain pictures
+
 bool ProbePlain(Bytes head) noexcept
 {
     return head.size() > 6 && std::memcmp(head.data(), "PLAIN ", 6) == 0;
@@ -37,6 +39,7 @@ Bitmap DecodePlain(Bytes file, const Limits& limits)
     const Info info = PlainInfo(file, limits);
     unsigned colour = 0;
     std::sscanf(std::string(file.begin(), file.end()).c_str(), "PLAIN %*d %*d %x", &colour);
+    ++decoded;
     Bitmap picture = Bitmap::Uninitialised(static_cast<int>(info.width), static_cast<int>(info.height));
     std::uint8_t* const pixels = picture.Writable();
     for (std::size_t i = 0; i < picture.Stride() * static_cast<std::size_t>(info.height); i += 4) {
@@ -56,6 +59,12 @@ ProgramRun::ProgramRun()
 {
     setenv("XDG_CONFIG_HOME", settings.Path().c_str(), 1);
     RegisterFallback(&kPlain);
+    decoded = 0;
+}
+
+int ProgramRun::PlainDecoded() const
+{
+    return decoded;
 }
 
 ProgramRun::~ProgramRun()

@@ -31,6 +31,9 @@ public:
     /// Writes a plain picture.
     void Plain(std::string_view name, int width = 4, int height = 3) const;
 
+    /// How many plain pictures have been decoded, each as often as it was.
+    [[nodiscard]] int PlainDecoded() const;
+
     /// Has the desktop open the file; before Go or from `body.user`.
     void Open(std::string_view name);
 

@@ -106,6 +106,17 @@ TEST(Intake, CopiesAreOfTheFormatThatTheirNameSays)
         (std::vector<std::uint8_t> { 0x20, 0x60, 0xC0, 255 }));
 }
 
+TEST(Intake, ReadsAPictureOnceForBothCopies)
+{
+    ProgramRun run;
+    run.Settings(kSettings[kBoth]);
+    run.Plain("a.gif");
+    run.Open("a.gif");
+    run.Go();
+    EXPECT_EQ(run.pictures.Names(), "a.gif a.jpg a.png");
+    EXPECT_EQ(run.PlainDecoded(), 1);
+}
+
 TEST(Intake, TheSliderCountsAtTheMomentOfTheSave)
 {
     ProgramRun run;
