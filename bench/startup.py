@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Start-up: the time from the start of the process until its window is on the screen, against a bare window
-of the same toolkit, in turns, under a virtual screen with a window manager.
+of the same toolkit, empty and with a line of text, in turns, under a virtual screen with a window manager.
 
     bench/startup.py build/release/Veltrane build/bench/bench/bare_window [RUNS]
 """
@@ -53,7 +53,7 @@ def first_start(command, environment, maps):
     """Brings libraries and fonts into the cache; and the watcher may not yet look when the first window comes."""
     for patience in (2, 5, 60):
         with contextlib.suppress(queue.Empty):
-            return one_start([command], environment, maps, patience)
+            return one_start(command, environment, maps, patience)
     raise RuntimeError(f"no window of {command}")
 
 
@@ -64,21 +64,29 @@ def quiet(environment, settings):
     return dict(kept, XDG_CONFIG_HOME=settings)
 
 
+def measured(commands, runs, environment):
+    """The milliseconds of each run of each command, which take turns."""
+    watcher, maps = watch_maps(environment)
+    try:
+        for command in commands:
+            first_start(command, environment, maps)
+        return [[one_start(command, environment, maps) for command in commands] for _ in range(runs)]
+    finally:
+        watcher.terminate()
+        watcher.wait()
+
+
 def main():
     ours, bare = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
     runs = int(sys.argv[3]) if len(sys.argv) > 3 else 20
     with Screen() as screen, tempfile.TemporaryDirectory(prefix="veltrane-bench-") as settings:
-        environment = quiet(screen.environment, settings)
-        watcher, maps = watch_maps(environment)
-        try:
-            for command in (ours, bare):
-                first_start(command, environment, maps)
-            pairs = [(one_start([ours], environment, maps), one_start([bare], environment, maps)) for _ in range(runs)]
-        finally:
-            watcher.terminate()
-            watcher.wait()
-    print(f"ours {statistics.median(p[0] for p in pairs):.1f} ms, bare {statistics.median(p[1] for p in pairs):.1f} ms, "
-          f"ratio {statistics.median(p[0] / p[1] for p in pairs):.2f} (median of {runs} pairs)")
+        times = measured([[ours], [bare], [bare, "bare"]], runs, quiet(screen.environment, settings))
+    middle = [statistics.median(column) for column in zip(*times)]
+    ratio = [statistics.median(time[0] / time[peer] for time in times) for peer in (1, 2)]
+    print(
+        f"ours {middle[0]:.1f} ms, bare {middle[1]:.1f} ms, with a line of text {middle[2]:.1f} ms, "
+        f"ratio {ratio[0]:.2f}, with a line of text {ratio[1]:.2f} (median of {runs} rounds)"
+    )
 
 
 if __name__ == "__main__":

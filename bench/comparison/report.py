@@ -30,13 +30,16 @@ def bounds_table(figures):
             lines += row_lines(row, before.get(row.key, {}), now[row.key])
     for single in SINGLES:
         if single.key in now:
-            value, old = now[single.key]["now"], before.get(single.key, {}).get("now")
-            unit = f" {single.unit}" if single.unit else ""
-            lines.append(
-                f"| {single.work} | | {single.peer} | {number(single.must)}{unit} | {number(single.aim)}{unit} "
-                f"| {number(old)} | {number(value)} | {verdict(value, single.must, single.aim)} | |"
-            )
+            lines.append(single_line(single, before.get(single.key, {}), now[single.key]))
     return lines
+
+
+def single_line(single, old, new):
+    unit = f" {single.unit}" if single.unit else ""
+    return (
+        f"| {single.work} | | {single.peer} | {number(single.must)}{unit} | {number(single.aim)}{unit} "
+        f"| {number(old.get('now'))} | {number(new['now'])} | {verdict(new['now'], single.must, single.aim)} | |"
+    )
 
 
 def row_lines(row, old, new):
