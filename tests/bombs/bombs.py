@@ -296,7 +296,7 @@ BOMBS = [
     (
         "pict-a-large-frame-painted-again-and-again",
         REFUSED,
-        lambda: pict(8000, 8000, pict_rect(0x31, 1, 8000) * 1_000_000),
+        lambda: pict(7000, 7000, pict_rect(0x31, 1, 7000) * 1_000_000),
     ),
     (
         "pict-large-frame-drawn-on-and-cut",
