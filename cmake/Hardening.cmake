@@ -17,8 +17,12 @@ function(harden_compiling name flag)
 endfunction()
 harden_compiling(STACK_PROTECTOR -fstack-protector-strong)
 harden_compiling(STACK_CLASH_PROTECTION -fstack-clash-protection)
-harden_compiling(CF_PROTECTION -fcf-protection=full) # x86
-harden_compiling(BRANCH_PROTECTION -mbranch-protection=standard) # ARM
+# Asked by processor: clang takes the other's flag too, and warns in every file.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86|AMD64|i.86")
+    harden_compiling(CF_PROTECTION -fcf-protection=full)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "aarch64|arm64")
+    harden_compiling(BRANCH_PROTECTION -mbranch-protection=standard)
+endif()
 
 # Checked copies need the optimiser. First undone: a distribution's build may have set another level.
 add_compile_options($<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=3>)
