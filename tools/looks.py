@@ -21,7 +21,9 @@ PROGRAM = ROOT / "build/release/Veltrane"
 SHOTS = ROOT / "build/looks"
 SHEET = ROOT / "docs/looks.png"
 
-LONG = "Été à la mer, chez Zoé & Léon — <b>dernière série, prise de vue n° 0042 (recadrée, retouchée, finale) %1"
+LONG = (
+    "Été à la mer, chez Zoé & Léon — <b>dernière série, prise de vue n° 0042 (recadrée, retouchée, finale) %1"
+)
 
 # Caption, file name, and what differs from the usual: theme, font, scale, size asked for.
 DRESSES = [
@@ -46,7 +48,15 @@ DRESSES = [
 
 def landscape(target):
     """A picture of our own."""
-    drawing = ["-size", "960x720", "gradient:#2f6fc4-#f0dfc2", "-fill", "#fdf0c0", "-draw", "circle 700,220 700,160"]
+    drawing = [
+        "-size",
+        "960x720",
+        "gradient:#2f6fc4-#f0dfc2",
+        "-fill",
+        "#fdf0c0",
+        "-draw",
+        "circle 700,220 700,160",
+    ]
     for colour, hills in (
         ("#8096ad", "0,440 160,390 330,400 520,340 700,350 860,420 960,390 960,720 0,720"),
         ("#4f7d5c", "0,540 220,510 420,525 640,470 820,480 960,520 960,720 0,720"),
@@ -84,8 +94,19 @@ def shoot(screen, folder, number, name, dress):
 def still(screen, target, window):
     """Shoots the window with its frame; whether it looks as it did before."""
     before = target.read_bytes() if target.exists() else b""
-    subprocess.run(["import", "-silent", "-frame", "-window", str(window), "-define", "png:exclude-chunks=date,time",
-                    target], check=True)
+    subprocess.run(
+        [
+            "import",
+            "-silent",
+            "-frame",
+            "-window",
+            str(window),
+            "-define",
+            "png:exclude-chunks=date,time",
+            target,
+        ],
+        check=True,
+    )
     return before == target.read_bytes()
 
 
@@ -94,8 +115,26 @@ def sheet(shots, target):
     pieces = []
     for (caption, _, _), shot in zip(DRESSES, shots):
         pieces += ["-label", caption, str(shot)]
-    subprocess.run(["montage", *pieces, "-tile", "4x", "-geometry", "420x420>+8+8", "-background", "#d8d8d8",
-                    "-pointsize", "14", "-depth", "8", "-define", "png:exclude-chunks=date,time", f"png24:{target}"], check=True)
+    subprocess.run(
+        [
+            "montage",
+            *pieces,
+            "-tile",
+            "4x",
+            "-geometry",
+            "420x420>+8+8",
+            "-background",
+            "#d8d8d8",
+            "-pointsize",
+            "14",
+            "-depth",
+            "8",
+            "-define",
+            "png:exclude-chunks=date,time",
+            f"png24:{target}",
+        ],
+        check=True,
+    )
 
 
 def main(target):

@@ -36,7 +36,9 @@ def declared(root):
 
 def identifiers(root):
     """Their uniform identifiers."""
-    return re.findall(r'\bImage::Image\w+, .*"([a-z]+\.[a-z.]+)" \}', (root / "filetypes/Image.cpp").read_text())
+    return re.findall(
+        r'\bImage::Image\w+, .*"([a-z]+\.[a-z.]+)" \}', (root / "filetypes/Image.cpp").read_text()
+    )
 
 
 def png_size(picture):
@@ -54,10 +56,12 @@ def facts(root, version):
     yield "the newest release in the metainfo", metainfo.find("releases/release").get("version"), version
     yield "the newest version in CHANGELOG.md", re.search(r"^## ([\d.]+)", changes, re.M)[1], version
     yield "the entry's types", types, declared(root)
-    yield "the metainfo's types", {e.text for e in metainfo.iterfind("provides/mediatype")} | ALSO["image/pict"], types
-    yield "the metainfo's categories", {e.text for e in metainfo.iterfind("categories/category")} | {"Qt"}, set(
-        listed(keys["Categories"])
-    )
+    yield "the metainfo's types", {e.text for e in metainfo.iterfind("provides/mediatype")} | ALSO[
+        "image/pict"
+    ], types
+    yield "the metainfo's categories", {e.text for e in metainfo.iterfind("categories/category")} | {
+        "Qt"
+    }, set(listed(keys["Categories"]))
     with open(desktop / "macos/Info.plist.in", "rb") as bundle:
         documents = plistlib.load(bundle)["CFBundleDocumentTypes"]
     yield "the bundle's documents", documents[0]["LSItemContentTypes"], identifiers(root)

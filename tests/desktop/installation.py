@@ -14,7 +14,9 @@ from pathlib import Path
 
 NAME = "org.veltrane.veltrane"
 NOT_BUILT = 77  # ctest counts it as skipped
-ICONS = [f"share/icons/hicolor/{size}x{size}/apps/{NAME}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)]
+ICONS = [
+    f"share/icons/hicolor/{size}x{size}/apps/{NAME}.png" for size in (16, 22, 24, 32, 48, 64, 128, 256, 512)
+]
 FILES = [
     "bin/Veltrane",
     f"share/applications/{NAME}.desktop",
@@ -42,9 +44,13 @@ def faults(prefix, final):
     if not os.access(program, os.X_OK):
         yield "the program cannot be started"
     page = gzip.decompress((prefix / "share/man/man1/Veltrane.1.gz").read_bytes()).decode()
-    if not re.search(r'^\.TH VELTRANE 1 "" "Veltrane [\d.]+"', page) or "@" in page.replace("@veltrane.invalid", ""):
+    if not re.search(r'^\.TH VELTRANE 1 "" "Veltrane [\d.]+"', page) or "@" in page.replace(
+        "@veltrane.invalid", ""
+    ):
         yield "the manual page tells no version, or was not filled in"
-    modes = {f"{path.stat().st_mode & 0o777:o}" for path in prefix.rglob("*") if path.is_file() and path != program}
+    modes = {
+        f"{path.stat().st_mode & 0o777:o}" for path in prefix.rglob("*") if path.is_file() and path != program
+    }
     if modes != {"644"}:
         yield f"files of modes {modes}"
 
@@ -57,8 +63,12 @@ def main(build):
         # The service file names the folder that the build was set up for.
         cache = (build / "CMakeCache.txt").read_text()
         prefix = re.search(r"^CMAKE_INSTALL_PREFIX:PATH=(.*)$", cache, re.M)[1]
-        subprocess.run(["cmake", "--install", build], check=True, stdout=subprocess.DEVNULL,
-                       env=dict(os.environ, DESTDIR=folder))
+        subprocess.run(
+            ["cmake", "--install", build],
+            check=True,
+            stdout=subprocess.DEVNULL,
+            env=dict(os.environ, DESTDIR=folder),
+        )
         found = [fault.replace(folder, "") for fault in faults(Path(folder + prefix), prefix)]
     print("\n".join(found))
     return 1 if found else 0

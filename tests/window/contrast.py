@@ -31,7 +31,17 @@ def contrast(one, other):
 
 
 def pixels(left, top, width, height):
-    shot = ["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{left}+{top}", "-depth", "8", "rgb:-"]
+    shot = [
+        "import",
+        "-silent",
+        "-window",
+        "root",
+        "-crop",
+        f"{width}x{height}+{left}+{top}",
+        "-depth",
+        "8",
+        "rgb:-",
+    ]
     data = subprocess.run(shot, capture_output=True, check=True).stdout
     return {tuple(data[at : at + 3]) for at in range(0, len(data), 3)}
 
@@ -50,7 +60,11 @@ def in_theme(theme):
             slider = until(lambda: program.find("slider"), "the slider").box
             until(lambda: stands_out(box, SQUARE, box[3]), "a box that stands out", SOON)
             # Above the groove there is only the handle.
-            until(lambda: stands_out(slider, slider[2], slider[3] // 2 - GROOVE), "a handle that stands out", SOON)
+            until(
+                lambda: stands_out(slider, slider[2], slider[3] // 2 - GROOVE),
+                "a handle that stands out",
+                SOON,
+            )
 
     return row
 
