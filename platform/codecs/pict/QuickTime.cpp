@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/Exceptions.h"
 #include "platform/codecs/pict/Bits.h"
 #include "platform/codecs/pict/Opcodes.h"
 #include "platform/codecs/pict/Still.h"
@@ -98,6 +99,24 @@ void Place(const Bitmap& bitmap, const Placement& place, Canvas& canvas)
     }
 }
 
+// A few bytes can be a still of gigapixels, and many of them can stand one behind the other.
+Bitmap DecodeWithin(Budget& budget, const Still& still, const Limits& limits)
+{
+    constexpr std::int64_t kDecodingCost = 4; // for each pixel, which takes as many bytes
+    Limits affordable = limits;
+    affordable.maxBytes = std::min(limits.maxBytes, budget.Left());
+    try {
+        Bitmap bitmap = DecodeStill(still, affordable);
+        budget.Charge(kDecodingCost * bitmap.Width() * bitmap.Height());
+        return bitmap;
+    } catch (const OutOfMemoryException&) {
+        // The machine may well have the room: it is the file that is out of all proportion.
+        if (affordable.maxBytes < limits.maxBytes)
+            throw UnsupportedFormatException("dessin PICT démesuré");
+        throw;
+    }
+}
+
 Rect DrawCompressed(ByteReader& data, const Mapping& map, const Port& port, Canvas& canvas, Budget& budget,
     const Limits& limits)
 {
@@ -112,12 +131,7 @@ Rect DrawCompressed(ByteReader& data, const Mapping& map, const Port& port, Canv
     }
     const Still still = ReadStill(data);
     budget.Charge(static_cast<std::int64_t>(still.data.size()));
-    // A few bytes can be a still of gigapixels, and many of them can stand one behind the other.
-    constexpr std::int64_t kDecodingCost = 4; // for each pixel, which takes as many bytes
-    Limits affordable = limits;
-    affordable.maxBytes = std::min(limits.maxBytes, budget.Left());
-    const Bitmap bitmap = DecodeStill(still, affordable);
-    budget.Charge(kDecodingCost * bitmap.Width() * bitmap.Height());
+    const Bitmap bitmap = DecodeWithin(budget, still, limits);
     if (place.source.Empty())
         place.source = { 0, 0, bitmap.Width(), bitmap.Height() };
     place.target = Offset(map(place.source), port.offset);

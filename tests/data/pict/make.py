@@ -492,6 +492,7 @@ def hostile():
     yield "bad-frame-huge", version2((-32768, -32768, 32767, 32767), op(0x31, rect(0, 0, 1, 1)))
     yield "bad-still-cut", version2((0, 0, 3, 2), quick_time(b"raw ", b"\0" * 9, 3, 2, 32, b"None"))
     yield "bad-still-huge", version2((0, 0, 3, 2), quick_time(b"cvid", b"\0" * 64, 32000, 32000, 24, b"Cinepak"))
+    yield "bad-still-short", version2((0, 0, 3, 2), quick_time(b"cvid", b"\0" * 64, 4000, 4000, 24, b"Cinepak"))
     yield "bad-still-picture", version2((0, 0, 3, 2), quick_time(
         b"PICT", version2((0, 0, 3, 2)), 3, 2, 32, b"Pict"))
     yield "bad-still-tilted", version2((0, 0, 3, 2), quick_time(
