@@ -38,23 +38,32 @@ QColor Mixed(const QColor& back, const QColor& text, double share)
                  .rgb() };
 }
 
-// As little of the text's colour as stands out from the window.
-QColor Outline(const QPalette& palette)
+// Where the focus has come by the keyboard, as the style does.
+bool TellsFocus(const QStyleOption& option)
 {
-    const QColor back = palette.color(QPalette::Window), text = palette.color(QPalette::WindowText);
-    double share = 0;
+    constexpr QStyle::State kTold = QStyle::State_HasFocus | QStyle::State_KeyboardFocusChange;
+    return (option.state & kTold) == kTold;
+}
+
+// As little of the text's colour as stands out from the window; all of it where the style tells the focus by
+// the colour of the very lines that are drawn over here.
+QColor Outline(const QStyleOption& option)
+{
+    const QColor back = option.palette.color(QPalette::Window);
+    const QColor text = option.palette.color(QPalette::WindowText);
+    double share = TellsFocus(option) ? 1 : 0;
     while (share < 1 && Contrast(back, Mixed(back, text, share)) < kContrast)
         share += 0.03125;
     return Mixed(back, text, share);
 }
 
 // Along the middle of the pixels, where the style draws its own.
-void DrawOutline(QPainter& painter, const QRect& rect, const QPalette& palette, double radius)
+void DrawOutline(QPainter& painter, const QRect& rect, const QColor& colour, double radius)
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(0.5, 0.5);
-    painter.setPen(Outline(palette));
+    painter.setPen(colour);
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(rect, radius, radius);
     painter.restore();
@@ -74,7 +83,7 @@ void ClearStyle::drawPrimitive(
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     if (element == PE_IndicatorCheckBox)
-        DrawOutline(*painter, option->rect.adjusted(0, 0, -1, -1), option->palette, 0);
+        DrawOutline(*painter, option->rect.adjusted(0, 0, -1, -1), Outline(*option), 0);
 }
 
 void ClearStyle::drawComplexControl(
@@ -85,10 +94,11 @@ void ClearStyle::drawComplexControl(
         return;
     const QRect handle = subControlRect(control, option, SC_SliderHandle, widget).adjusted(1, 1, -1, -1);
     const QRect groove = subControlRect(control, option, SC_SliderGroove, widget).adjusted(1, 1, -1, -1);
-    DrawOutline(*painter, handle.adjusted(0, 0, -1, -1), option->palette, 2);
+    const QColor outline = Outline(*option);
+    DrawOutline(*painter, handle.adjusted(0, 0, -1, -1), outline, 2);
     painter->save();
     painter->setClipRegion(QRegion(groove).subtracted(handle)); // which stands before it
-    DrawOutline(*painter, groove.adjusted(0, 0, -1, -1), option->palette, 1);
+    DrawOutline(*painter, groove.adjusted(0, 0, -1, -1), outline, 1);
     painter->restore();
 }
 

@@ -56,6 +56,7 @@ def stands_out(box, width, height):
 def in_theme(theme):
     def row(place):
         with place.start(environment=dress(place.settings, theme)) as program:
+            program.activate()  # from now on it stays where it is
             box = until(lambda: program.find("check box", "Auto Sauvegarde en JPG"), "the box").box
             slider = until(lambda: program.find("slider"), "the slider").box
             until(lambda: stands_out(box, SQUARE, box[3]), "a box that stands out", SOON)
