@@ -98,6 +98,6 @@ def facts():
     release = re.search(r'PRETTY_NAME="(.*)"', Path("/etc/os-release").read_text())[1]
     return [
         f"{model[1].strip() if model else platform.processor()} ({best}), {os.cpu_count()} cores, {memory:.0f} GiB",
-        f"{release}, Linux {platform.release()}, {run('g++', '--version').splitlines()[0]}",
+        f"{release}, Linux {platform.release().split('-')[0]}, {run('g++', '--version').splitlines()[0]}",
         ", ".join(f"{name} {version}" for name, version in peers.items()),
     ]

@@ -6,6 +6,8 @@ BEGIN, END = "<!-- figures: written by bench/compare -->", "<!-- end of figures 
 
 
 def verdict(value, must, aim):
+    if value is None:
+        return ""
     if value <= aim:
         return "aim"
     return "must" if value <= must else "**missed**"
@@ -26,11 +28,11 @@ def bounds_table(figures):
     ]
     before, now = figures["before"], figures["now"]
     for row in ROWS:
-        if row.key in now:
-            lines += row_lines(row, before.get(row.key, {}), now[row.key])
+        if row.key in before or row.key in now:
+            lines += row_lines(row, before.get(row.key, {}), now.get(row.key, {}))
     for single in SINGLES:
-        if single.key in now:
-            lines.append(single_line(single, before.get(single.key, {}), now[single.key]))
+        if single.key in before or single.key in now:
+            lines.append(single_line(single, before.get(single.key, {}), now.get(single.key, {})))
     return lines
 
 
@@ -38,7 +40,7 @@ def single_line(single, old, new):
     unit = f" {single.unit}" if single.unit else ""
     return (
         f"| {single.work} | | {single.peer} | {number(single.must)}{unit} | {number(single.aim)}{unit} "
-        f"| {number(old.get('now'))} | {number(new['now'])} | {verdict(new['now'], single.must, single.aim)} | |"
+        f"| {number(old.get('now'))} | {number(new.get('now'))} | {verdict(new.get('now'), single.must, single.aim)} | |"
     )
 
 
@@ -46,15 +48,15 @@ def row_lines(row, old, new):
     lines = []
     for what, peer, show, must, aim in (
         ("cpu", row.cpu_peer, number, row.must[0], row.aim[0]),
-        ("bytes", new["bytes_peer"], exact, row.must[1], row.aim[1]),
+        ("bytes", (new or old)["bytes_peer"], exact, row.must[1], row.aim[1]),
     ):
         work = row.work if what == "cpu" else ""
         lines.append(
             f"| {work} | {'CPU' if what == 'cpu' else 'bytes'} | {peer} | {must:.2f} | {aim:.2f} "
-            f"| {show(old.get(what))} | {show(new[what])} | {verdict(new[what], must, aim)} "
-            f"| {worst_picture(new[f'picture_{what}'], must, show)} |"
+            f"| {show(old.get(what))} | {show(new.get(what))} | {verdict(new.get(what), must, aim)} "
+            f"| {worst_picture(new.get(f'picture_{what}'), must, show)} |"
         )
-    if row.psnr:
+    if new.get("psnr") and row.psnr:
         before, psnr = old.get("psnr"), new["psnr"]
         name, least = psnr["worst"]
         met = "must" if least >= -PSNR_WITHIN else "**missed**"
@@ -102,6 +104,12 @@ def singles_lines(now):
     return [f"- {single.work}: {detail}." for single, detail in told if detail]
 
 
+def when(figures, which):
+    """Which build the figures are of, and how many rounds it took part in."""
+    rounds = {row["rounds"] for row in figures[which].values() if "rounds" in row}
+    return f"{figures[f'{which}_at']} ({min(rounds)} rounds)" if rounds else "not yet"
+
+
 def figures_section(figures):
     """The part of docs/performance.md between its two marks."""
     facts = [f"- {line}" for line in figures["facts"]]
@@ -109,7 +117,7 @@ def figures_section(figures):
         [
             BEGIN,
             "",
-            f"Measured on {figures['date']}: now at {figures.get('now_at')}, before at {figures.get('before_at')}.",
+            f"Measured on {figures['date']}: now at {when(figures, 'now')}, before at {when(figures, 'before')}.",
             "",
             *facts,
             "",
