@@ -10,6 +10,7 @@
 
 #include "platform/Exceptions.h"
 #include "platform/ScalerSums.h"
+#include "platform/ScalerTaps.h"
 #include "platform/codecs/Processor.h"
 
 namespace veltrane {
@@ -258,6 +259,10 @@ Scaling ScalingFor(bool opaque)
 
 void ScaleByArea(const Bitmap& source, const SourceArea& area, const ScaledPixels& target)
 try {
+    if (IsSmallStep(area, target)) {
+        ScaleByTaps(source, area, target);
+        return;
+    }
     const auto across = SpansOf(area.x, area.width, target.width, source.Width());
     auto down = SpansOf(area.y, area.height, target.height, source.Height());
     const double rows = area.height / target.height;
