@@ -101,6 +101,14 @@ constexpr Paint kTilesOnSlope = [](unsigned x, unsigned y, unsigned n) {
     return c;
 };
 
+// A photograph without colour, but for a touch that keeps it from being grey: pixels come again here and
+// there.
+constexpr Paint kGrain = [](unsigned x, unsigned y, unsigned n) {
+    Colour c = Grey(x / 8 + y / 8 + n % 12);
+    c[2] = Byte(c[2] + (n / 256 % 32 == 0 ? 1U : 0U));
+    return c;
+};
+
 const EncodeCase kCases[] = {
     { "OnePixel", 1, 1,
         [](unsigned, unsigned, unsigned) {
@@ -125,6 +133,14 @@ const EncodeCase kCases[] = {
             return c;
         },
         6, 8, 1.3 },
+    { "Grain", 700, 500, kGrain, 2, 8, 1.0 },
+    { "GrainWithAlpha", 700, 500,
+        [](unsigned x, unsigned y, unsigned n) {
+            Colour c = kGrain(x, y, n);
+            c[3] = Byte(y / 4);
+            return c;
+        },
+        6, 8, 1.08 },
     { "Text", 700, 500, kText, 2, 8, 0.165 },
     { "Tiles", 1100, 500, kTiles, 2, 8, 0.02 },
     { "TilesOnSlope", 1100, 500, kTilesOnSlope, 2, 8, 0.18 },

@@ -7,7 +7,6 @@
 #include <libdeflate.h>
 
 #include "platform/codecs/png/Chunks.h"
-#include "platform/codecs/png/Runs.h"
 
 namespace veltrane::codecs::png {
 
@@ -54,10 +53,7 @@ void DeflateStream::WriteBlocks(std::size_t end, Likeness likeness, bool last)
 {
     for (std::size_t at = kept, next = end; at < end; at = next) {
         const std::uint8_t* const data = window.data();
-        if (likeness == Likeness::Residues)
-            FindRuns({ data + at, end - at }, block);
-        else
-            next = finder.Cut(data, origin, at, end, step, block);
+        next = search.Cut(data, origin, at, end, likeness, step, block);
         WriteBlock(writer, block, { data + at, next - at }, last && next == end);
         WriteChunk(false);
     }

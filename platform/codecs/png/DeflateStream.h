@@ -7,15 +7,9 @@
 #include "platform/codecs/Bytes.h"
 #include "platform/codecs/Sink.h"
 #include "platform/codecs/png/Block.h"
-#include "platform/codecs/png/Matches.h"
+#include "platform/codecs/png/Search.h"
 
 namespace veltrane::codecs::png {
-
-/// What bytes are like, and so how to look for repetitions in them.
-enum class Likeness {
-    Residues, ///< what prediction left of a photograph: runs of zeros at most
-    Repeats, ///< drawings, text, palettes: anything may come again
-};
 
 /// Writes one zlib stream as IDAT chunks. Memory: the window, a band and its compressed form.
 class DeflateStream {
@@ -40,8 +34,8 @@ private:
     std::vector<std::uint8_t> window; ///< what came before, as far as matches reach, then the band
     std::size_t kept = 0;
     std::uint32_t origin = kWindow + 1; ///< position in the stream of the window's first byte; not 0, which
-                                        ///< is what the tables of the match finder hold at first
-    MatchFinder finder;
+                                        ///< is what the tables of the finders hold at first
+    Search search;
     Block block;
     std::vector<std::uint8_t> out; ///< a chunk in the making
     BitWriter writer;

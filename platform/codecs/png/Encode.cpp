@@ -86,8 +86,9 @@ Texture TextureOf(const Bitmap& picture, int from, int to)
     return 2 * small >= large ? Texture::Shaded : Texture::Hard;
 }
 
-// How a band's rows are stored: filtered or as they are, with runs alone or with all that repeats.
-enum class Way { Photo, Shades, Drawing };
+// How a band's rows are stored: filtered or as they are, with runs alone, pixels that come again, or all that
+// repeats.
+enum class Way { Photo, Grain, Shades, Drawing };
 
 constexpr bool IsFiltered(Way way) noexcept
 {
@@ -96,8 +97,32 @@ constexpr bool IsFiltered(Way way) noexcept
 
 constexpr Likeness LikenessOf(Way way) noexcept
 {
-    return way == Way::Photo ? Likeness::Residues : Likeness::Repeats;
+    if (way == Way::Photo)
+        return Likeness::Residues;
+    return way == Way::Grain ? Likeness::Grain : Likeness::Repeats;
 }
+
+// What the last trial found, and for how long that is believed. Trying takes several times as long as
+// writing: so it is done the more seldom the longer the same way wins.
+class Verdict {
+public:
+    template<class Try>
+    Way Ask(Try tryAll)
+    {
+        constexpr int kFirstTrust = 4, kMostTrust = 64;
+        if (left == 0) {
+            const Way before = std::exchange(found, tryAll());
+            trust = found == before ? std::clamp(2 * trust, kFirstTrust, kMostTrust) : kFirstTrust;
+            left = trust;
+        }
+        --left;
+        return found;
+    }
+
+private:
+    Way found = Way::Photo;
+    int trust = 0, left = 0; // bands
+};
 
 // A packed row with the margins that filters want.
 class PackedRow {
@@ -156,43 +181,42 @@ private:
         return end;
     }
 
-    // Where it is open, all ways are tried now and then, the more seldom the longer the same one wins: trying
-    // takes several times as long as writing.
+    // Where it is open, the ways are tried.
     Way WayFor(int from, int to)
     {
-        constexpr int kFirstTrust = 4, kMostTrust = 64;
         if (form.colour == ColourType::Palette || form.depth < 8)
             return Way::Drawing;
-        const Texture texture = TextureOf(picture, from, to);
-        if (texture != Texture::Shaded)
-            return texture == Texture::Hard ? Way::Drawing : Way::Photo;
-        if (trusted == 0) {
-            const Way before = std::exchange(found, Try(from, to));
-            trust = found == before ? std::min(2 * trust, kMostTrust) : 0;
-            trusted = trust = std::max(trust, kFirstTrust);
+        switch (TextureOf(picture, from, to)) {
+        case Texture::Natural: return natural.Ask([&] { return Try(from, to, false); });
+        case Texture::Shaded: return shaded.Ask([&] { return Try(from, to, true); });
+        case Texture::Hard: break;
         }
-        --trusted;
-        return found;
+        return Way::Drawing;
     }
 
-    Way Try(int from, int to)
+    Way Try(int from, int to, bool all)
     {
         if (!trial)
             trial = std::make_unique<Trial>();
         const PackedRow before = above;
         std::vector<std::uint8_t> rows(static_cast<std::size_t>(to - from) * (rowBytes + 1) + kRowMargin);
+        const std::uint8_t* end = Fill(rows.data(), from, to, true);
         const auto bits = [&](Way way) {
-            above = before;
-            const std::uint8_t* const end = Fill(rows.data(), from, to, IsFiltered(way));
-            const Bytes bytes { rows.data(), static_cast<std::size_t>(end - rows.data()) };
-            return trial->BitsOf(bytes, LikenessOf(way), form.Step());
+            return trial->BitsOf(
+                { rows.data(), static_cast<std::size_t>(end - rows.data()) }, LikenessOf(way), form.Step());
         };
-        const std::uint64_t photo = bits(Way::Photo), shades = bits(Way::Shades),
-                            drawing = bits(Way::Drawing);
+        const std::uint64_t photo = bits(Way::Photo), grain = bits(Way::Grain);
+        // What takes more time has to be worth it.
+        const Way fast = photo <= grain + grain / 16 ? Way::Photo : Way::Grain;
+        const std::uint64_t shades = all ? bits(Way::Shades) : 0;
         above = before;
-        const std::uint64_t least = std::min(shades, drawing);
-        if (photo <= least + least / 6) // the way that takes a tenth of the time
-            return Way::Photo;
+        if (!all)
+            return fast;
+        end = Fill(rows.data(), from, to, false);
+        above = before;
+        const std::uint64_t drawing = bits(Way::Drawing), least = std::min(shades, drawing);
+        if (std::min(photo, grain) <= least + least / 5)
+            return fast;
         return shades < drawing ? Way::Shades : Way::Drawing;
     }
 
@@ -203,8 +227,7 @@ private:
     DeflateStream stream;
     PackedRow current, above;
     std::unique_ptr<Trial> trial;
-    Way found = Way::Photo; ///< by the last trial
-    int trust = 0, trusted = 0; ///< bands for which it holds, and how many of them are left
+    Verdict natural, shaded;
 };
 
 } // namespace

@@ -6,8 +6,7 @@
 
 #include "platform/codecs/Bytes.h"
 #include "platform/codecs/png/Block.h"
-#include "platform/codecs/png/DeflateStream.h"
-#include "platform/codecs/png/Matches.h"
+#include "platform/codecs/png/Search.h"
 
 namespace veltrane::codecs::png {
 
@@ -19,7 +18,7 @@ public:
     [[nodiscard]] std::uint64_t BitsOf(Bytes bytes, Likeness likeness, std::size_t step);
 
 private:
-    MatchFinder finder;
+    Search search;
     std::uint32_t origin = kWindow + 1; ///< behind whatever the finder remembers of other bytes
     Block block;
 };

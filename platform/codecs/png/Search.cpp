@@ -1,0 +1,18 @@
+#include "platform/codecs/png/Search.h"
+
+#include "platform/codecs/png/Runs.h"
+
+namespace veltrane::codecs::png {
+
+std::size_t Search::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to,
+    Likeness likeness, std::size_t step, Block& block)
+{
+    switch (likeness) {
+    case Likeness::Residues: FindRuns({ data + from, to - from }, block); return to;
+    case Likeness::Grain: grain.Cut(data, origin, from, to, step, block); return to;
+    case Likeness::Repeats: break;
+    }
+    return finder.Cut(data, origin, from, to, step, block);
+}
+
+} // namespace veltrane::codecs::png

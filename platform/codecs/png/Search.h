@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/codecs/png/Block.h"
+#include "platform/codecs/png/Grain.h"
+#include "platform/codecs/png/Matches.h"
+
+namespace veltrane::codecs::png {
+
+/// What bytes are like, and so how to look for repetitions in them.
+enum class Likeness {
+    Residues, ///< what prediction left of a photograph: runs of zeros at most
+    Grain, ///< the same, where pixels come again now and then
+    Repeats, ///< drawings, text, palettes: anything may come again
+};
+
+/// Looks for repetitions in a stream, each part of it in the way that suits it.
+class Search {
+public:
+    /// Cuts bytes from `from` on, at most up to `to`, into literals and matches, and counts them in `block`,
+    /// which is cleared first; the position reached. The arguments are MatchFinder's.
+    [[nodiscard]] std::size_t Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from,
+        std::size_t to, Likeness likeness, std::size_t step, Block& block);
+
+private:
+    GrainFinder grain;
+    MatchFinder finder;
+};
+
+} // namespace veltrane::codecs::png
