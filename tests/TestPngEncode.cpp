@@ -133,8 +133,8 @@ const EncodeCase kCases[] = {
             return c;
         },
         6, 8, 1.3 },
-    { "Grain", 700, 500, kGrain, 2, 8, 1.0 },
-    { "GrainWithAlpha", 700, 500,
+    { "Grain", 900, 700, kGrain, 2, 8, 1.0 },
+    { "GrainWithAlpha", 900, 700,
         [](unsigned x, unsigned y, unsigned n) {
             Colour c = kGrain(x, y, n);
             c[3] = Byte(y / 4);

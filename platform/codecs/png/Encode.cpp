@@ -184,8 +184,11 @@ private:
     // Where it is open, the ways are tried.
     Way WayFor(int from, int to)
     {
+        constexpr int kWorthTrying = 12; // bands of a picture: a trial takes as long as some of them
         if (form.colour == ColourType::Palette || form.depth < 8)
             return Way::Drawing;
+        if (picture.Height() < kWorthTrying * bandRows)
+            return TextureOf(picture, from, to) == Texture::Hard ? Way::Drawing : Way::Photo;
         switch (TextureOf(picture, from, to)) {
         case Texture::Natural: return natural.Ask([&] { return Try(from, to, false); });
         case Texture::Shaded: return shaded.Ask([&] { return Try(from, to, true); });

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/codecs/png/CommonLength.h"
+
 namespace veltrane::codecs::png {
 
 namespace {
@@ -20,12 +22,6 @@ std::uint64_t Load(const std::uint8_t* from) noexcept
     if constexpr (std::endian::native == std::endian::big)
         word = __builtin_bswap64(word);
     return word & kMask;
-}
-
-unsigned CommonLength(const std::uint8_t* a, const std::uint8_t* b, std::size_t most) noexcept
-{
-    const std::uint8_t* const end = std::mismatch(a + kShortest, a + most, b + kShortest).first;
-    return static_cast<unsigned>(end - a);
 }
 
 } // namespace
@@ -65,7 +61,7 @@ unsigned GrainFinder::Look(const std::uint8_t* here, std::uint32_t position, std
     head = position;
     if (distance - 1 >= reach || Load(here) != Load(here - distance))
         return 0;
-    return CommonLength(here, here - distance, most);
+    return CommonLength(here, here - distance, kShortest, static_cast<unsigned>(most));
 }
 
 void GrainFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to,
@@ -75,9 +71,10 @@ void GrainFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_
     const LeastLengths least = WorthTaking({ data + from, to - from });
     block.Clear();
     std::size_t at = from, literalsFrom = from;
+    std::array<std::array<std::uint32_t, 256>, 2> counts {}; // equal neighbours do not wait for each other
     const auto countLiterals = [&](std::size_t end) {
         for (std::size_t i = literalsFrom; i < end; ++i)
-            ++block.literals[data[i]];
+            ++counts[i % 2][data[i]];
     };
     while (at + kLoaded <= to) {
         const auto position = origin + static_cast<std::uint32_t>(at);
@@ -96,6 +93,8 @@ void GrainFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_
         at = literalsFrom = end;
     }
     countLiterals(to);
+    for (std::size_t i = 0; i < counts[0].size(); ++i)
+        block.literals[i] += counts[0][i] + counts[1][i];
     block.AddEnd(static_cast<std::uint32_t>(to - literalsFrom));
 }
 

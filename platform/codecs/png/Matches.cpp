@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstring>
 
+#include "platform/codecs/png/CommonLength.h"
+
 namespace veltrane::codecs::png {
 
 namespace {
@@ -36,24 +38,6 @@ std::uint32_t HashOfThree(const std::uint8_t* at) noexcept
 {
     const std::uint32_t three = at[0] | std::uint32_t { at[1] } << 8 | std::uint32_t { at[2] } << 16;
     return (three * 0x9E37'79B1U) >> (32 - kThreesBits);
-}
-
-// How many bytes are equal, from `known` on, `most` at most.
-unsigned CommonLength(const std::uint8_t* a, const std::uint8_t* b, unsigned known, unsigned most) noexcept
-{
-    for (; known + 8 <= most; known += 8) {
-        std::uint64_t x = 0, y = 0;
-        std::memcpy(&x, a + known, sizeof x);
-        std::memcpy(&y, b + known, sizeof y);
-        if (x != y) {
-            const int zeros = std::endian::native == std::endian::little ? std::countr_zero(x ^ y)
-                                                                         : std::countl_zero(x ^ y);
-            return known + static_cast<unsigned>(zeros) / 8;
-        }
-    }
-    while (known < most && a[known] == b[known])
-        ++known;
-    return known;
 }
 
 } // namespace
