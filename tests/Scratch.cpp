@@ -1,5 +1,9 @@
 #include "tests/Scratch.h"
 
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -48,6 +52,11 @@ std::string Scratch::Names() const
     for (const std::string& name : names)
         all += (all.empty() ? "" : " ") + name;
     return all;
+}
+
+void Link(const std::string& target, const std::string& path)
+{
+    ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
 }
 
 } // namespace veltrane::tests

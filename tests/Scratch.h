@@ -25,4 +25,7 @@ private:
     std::filesystem::path folder;
 };
 
+/// Makes a symbolic link at `path`.
+void Link(const std::string& target, const std::string& path);
+
 } // namespace veltrane::tests

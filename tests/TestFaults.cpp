@@ -15,6 +15,7 @@
 
 using namespace veltrane;
 using tests::FaultyCalls;
+using tests::Link;
 using tests::ProgramRun;
 using tests::Replaced;
 using tests::Scratch;
@@ -25,11 +26,6 @@ namespace {
 
 constexpr std::string_view kOld = "an older copy";
 constexpr std::string_view kPlain = "PLAIN 40 30 2060C0";
-
-void Link(const std::string& target, const std::string& path)
-{
-    ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
-}
 
 struct SceneCase {
     std::string_view name;

@@ -11,6 +11,7 @@
 
 using namespace veltrane;
 using tests::FaultyCalls;
+using tests::Link;
 using tests::ProgramRun;
 using tests::Replaced;
 using tests::Scratch;
@@ -21,11 +22,6 @@ namespace {
 constexpr std::string_view kOld = "Autre=1\nConversionJPG=ko\nConversionPNG=OK\nTauxJPG=70\n";
 constexpr std::string_view kNew = "Autre=1\nConversionJPG=ko\nConversionPNG=OK\nTauxJPG=11\n";
 constexpr const char* kFile = ProgramRun::kPreferenceFile;
-
-void Link(const std::string& target, const std::string& path)
-{
-    ASSERT_EQ(symlink(target.c_str(), path.c_str()), 0);
-}
 
 struct PlaceCase {
     std::string_view name;
