@@ -9,6 +9,7 @@
 #include <lcms2.h>
 #include <lcms2_plugin.h>
 
+#include "platform/codecs/BoundedColours.h"
 #include "platform/codecs/ByteReader.h"
 #include "platform/codecs/ColourMatrix.h"
 
@@ -113,7 +114,7 @@ std::optional<cmsMAT3> PrimariesOf(cmsHPROFILE profile)
 const cmsMAT3& LightToSrgb()
 {
     static const cmsMAT3 inverse = [] {
-        const Profile srgb(cmsCreate_sRGBProfile());
+        const Profile srgb(cmsCreate_sRGBProfileTHR(BoundedColours()));
         cmsMAT3 result {};
         auto primaries = PrimariesOf(srgb.get());
         _cmsMAT3inverse(&*primaries, &result);
@@ -227,18 +228,19 @@ cmsUInt32Number IntentFor(cmsHPROFILE profile)
 
 Transform Link(cmsHPROFILE profile, Samples from)
 {
-    const Profile srgb(cmsCreate_sRGBProfile());
+    const Profile srgb(cmsCreate_sRGBProfileTHR(BoundedColours()));
     const bool hasAlpha = from == Samples::Rgba8 || from == Samples::Rgba16;
-    return Transform(cmsCreateTransform(profile, KindOf(from).format, srgb.get(), TYPE_RGBA_8,
-        IntentFor(profile), cmsFLAGS_BLACKPOINTCOMPENSATION | (hasAlpha ? cmsFLAGS_COPY_ALPHA : 0u)));
+    return Transform(
+        cmsCreateTransformTHR(BoundedColours(), profile, KindOf(from).format, srgb.get(), TYPE_RGBA_8,
+            IntentFor(profile), cmsFLAGS_BLACKPOINTCOMPENSATION | (hasAlpha ? cmsFLAGS_COPY_ALPHA : 0u)));
 }
 
 // In floating point: the library's path for 8 bits loses several levels in the shadows of a linear grey.
 std::shared_ptr<const ColourTransform> TableOfGreys(cmsHPROFILE profile)
 {
-    const Profile srgb(cmsCreate_sRGBProfile());
-    const Transform transform(cmsCreateTransform(profile, TYPE_GRAY_FLT, srgb.get(), TYPE_RGB_FLT,
-        IntentFor(profile), cmsFLAGS_BLACKPOINTCOMPENSATION));
+    const Profile srgb(cmsCreate_sRGBProfileTHR(BoundedColours()));
+    const Transform transform(cmsCreateTransformTHR(BoundedColours(), profile, TYPE_GRAY_FLT, srgb.get(),
+        TYPE_RGB_FLT, IntentFor(profile), cmsFLAGS_BLACKPOINTCOMPENSATION));
     if (!transform)
         return nullptr;
     std::array<ByTable::Entry, 256> table {};
@@ -273,7 +275,8 @@ std::shared_ptr<const ColourTransform> ReadProfile(Bytes icc, Samples from)
     if (icc.size() > kLargestProfile)
         return nullptr;
     const std::vector<std::uint8_t> safe = WithoutFreeLength(icc);
-    const Profile profile(cmsOpenProfileFromMem(safe.data(), static_cast<cmsUInt32Number>(safe.size())));
+    const Profile profile(
+        cmsOpenProfileFromMemTHR(BoundedColours(), safe.data(), static_cast<cmsUInt32Number>(safe.size())));
     if (!profile || !DescribesSamples(profile.get(), KindOf(from).space))
         return nullptr;
     return FromOpen(profile.get(), from);
@@ -285,9 +288,10 @@ std::shared_ptr<const ColourTransform> PowerOverPrimaries(
     const auto xyY = [](Chromaticity c) { return cmsCIExyY { c.x, c.y, 1.0 }; };
     const cmsCIExyY white = xyY(primaries.white);
     const cmsCIExyYTRIPLE colours { xyY(primaries.red), xyY(primaries.green), xyY(primaries.blue) };
-    const ToneCurve curve(cmsBuildGamma(nullptr, exponent));
+    const ToneCurve curve(cmsBuildGamma(BoundedColours(), exponent));
     const std::array<cmsToneCurve*, 3> curves { curve.get(), curve.get(), curve.get() };
-    const Profile profile(curve ? cmsCreateRGBProfile(&white, &colours, curves.data()) : nullptr);
+    const Profile profile(
+        curve ? cmsCreateRGBProfileTHR(BoundedColours(), &white, &colours, curves.data()) : nullptr);
     return profile ? ThroughPrimaries(profile.get(), from) : nullptr;
 }
 
