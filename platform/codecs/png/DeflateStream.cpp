@@ -23,9 +23,9 @@ void PutNumber(std::uint8_t* to, std::uint32_t number) noexcept
 
 } // namespace
 
-DeflateStream::DeflateStream(Sink& to, std::size_t most, std::size_t step)
+DeflateStream::DeflateStream(Sink& to, std::size_t most, const Layout& layout)
     : sink(to)
-    , step(step)
+    , layout(layout)
     , window(kWindow + most + 8)
     , out(kChunkHead + kChunkGoal + BlockBound(most) + 16)
     , writer(out.data() + kChunkHead)
@@ -53,7 +53,7 @@ void DeflateStream::WriteBlocks(std::size_t end, Likeness likeness, bool last)
 {
     for (std::size_t at = kept, next = end; at < end; at = next) {
         const std::uint8_t* const data = window.data();
-        next = search.Cut(data, origin, at, end, likeness, step, block);
+        next = search.Cut(data, origin, at, end, likeness, layout, block);
         WriteBlock(writer, block, { data + at, next - at }, last && next == end);
         WriteChunk(false);
     }

@@ -16,7 +16,7 @@ class DeflateStream {
 public:
     /// `most`: bytes in the largest band. `step`: bytes of a pixel, 1 where it takes less. `to` must outlive
     /// this.
-    DeflateStream(Sink& to, std::size_t most, std::size_t step);
+    DeflateStream(Sink& to, std::size_t most, const Layout& layout);
 
     /// The room for the next band: `most` bytes, good until Write.
     [[nodiscard]] std::uint8_t* Room() noexcept { return window.data() + kept; }
@@ -30,12 +30,12 @@ private:
     void WriteChunk(bool last);
 
     Sink& sink;
-    std::size_t step;
+    Layout layout;
     std::vector<std::uint8_t> window; ///< what came before, as far as matches reach, then the band
     std::size_t kept = 0;
     std::uint32_t origin = kWindow + 1; ///< position in the stream of the window's first byte; not 0, which
                                         ///< is what the tables of the finders hold at first
-    Search search;
+    Search search { kThorough };
     Block block;
     std::vector<std::uint8_t> out; ///< a chunk in the making
     BitWriter writer;

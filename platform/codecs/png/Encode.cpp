@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -15,7 +14,9 @@
 #include "platform/codecs/png/DeflateStream.h"
 #include "platform/codecs/png/FilterRow.h"
 #include "platform/codecs/png/Form.h"
+#include "platform/codecs/png/Texture.h"
 #include "platform/codecs/png/Trial.h"
+#include "platform/codecs/png/Way.h"
 
 namespace veltrane::codecs::png {
 
@@ -52,78 +53,6 @@ void WritePalette(Sink& sink, const PaletteIndex& palette)
         WriteChunk(sink, Type("tRNS"), alphas);
 }
 
-// The largest difference of a channel between two pixels.
-int Step(const std::uint8_t* a, const std::uint8_t* b) noexcept
-{
-    int largest = 0;
-    for (int k = 0; k < 4; ++k)
-        largest = std::max(largest, std::abs(a[k] - b[k]));
-    return largest;
-}
-
-enum class Texture {
-    Natural, ///< few equal neighbours, as in photographs
-    Shaded, ///< areas of one colour, and soft changes
-    Hard, ///< areas of one colour with sharp edges: drawings, text, screens
-};
-
-// One row in eight tells.
-Texture TextureOf(const Bitmap& picture, int from, int to)
-{
-    constexpr int kSmall = 4;
-    std::size_t equal = 0, small = 0, large = 0;
-    for (int y = from; y < to; y += 8) {
-        const std::uint8_t* const row = picture.Row(y);
-        for (std::size_t i = 4; i < picture.Stride(); i += 4) {
-            const int step = Step(row + i, row + i - 4);
-            equal += step == 0;
-            small += step != 0 && step <= kSmall;
-            large += step > kSmall;
-        }
-    }
-    if (3 * equal < small + large)
-        return Texture::Natural;
-    return 2 * small >= large ? Texture::Shaded : Texture::Hard;
-}
-
-// How a band's rows are stored: filtered or as they are, with runs alone, pixels that come again, or all that
-// repeats.
-enum class Way { Photo, Grain, Shades, Drawing };
-
-constexpr bool IsFiltered(Way way) noexcept
-{
-    return way != Way::Drawing;
-}
-
-constexpr Likeness LikenessOf(Way way) noexcept
-{
-    if (way == Way::Photo)
-        return Likeness::Residues;
-    return way == Way::Grain ? Likeness::Grain : Likeness::Repeats;
-}
-
-// What the last trial found, and for how long that is believed. Trying takes several times as long as
-// writing: so it is done the more seldom the longer the same way wins.
-class Verdict {
-public:
-    template<class Try>
-    Way Ask(Try tryAll)
-    {
-        constexpr int kFirstTrust = 4, kMostTrust = 64;
-        if (left == 0) {
-            const Way before = std::exchange(found, tryAll());
-            trust = found == before ? std::clamp(2 * trust, kFirstTrust, kMostTrust) : kFirstTrust;
-            left = trust;
-        }
-        --left;
-        return found;
-    }
-
-private:
-    Way found = Way::Photo;
-    int trust = 0, left = 0; // bands
-};
-
 // A packed row with the margins that filters want.
 class PackedRow {
 public:
@@ -141,8 +70,9 @@ public:
         , form(form)
         , width(static_cast<std::size_t>(picture.Width()))
         , rowBytes((width * form.BitsPerPixel() + 7) / 8)
-        , bandRows(static_cast<int>(std::max<std::size_t>(1, kBandGoal / (rowBytes + 1))))
-        , stream(sink, static_cast<std::size_t>(bandRows) * (rowBytes + 1) + kRowMargin, form.Step())
+        , layout { form.Step(), rowBytes + 1 }
+        , bandRows(static_cast<int>(std::max<std::size_t>(1, kBandGoal / layout.stride)))
+        , stream(sink, static_cast<std::size_t>(bandRows) * layout.stride + kRowMargin, layout)
         , current(std::max(rowBytes, width))
         , above(std::max(rowBytes, width))
     {
@@ -184,48 +114,54 @@ private:
     // Where it is open, the ways are tried.
     Way WayFor(int from, int to)
     {
-        constexpr int kWorthTrying = 12; // bands of a picture: a trial takes as long as some of them
+        constexpr int kWorthTryingAll = 12; // bands of a picture: a trial of all ways takes as long as some
         if (form.colour == ColourType::Palette || form.depth < 8)
             return Way::Drawing;
-        if (picture.Height() < kWorthTrying * bandRows)
-            return TextureOf(picture, from, to) == Texture::Hard ? Way::Drawing : Way::Photo;
-        switch (TextureOf(picture, from, to)) {
-        case Texture::Natural: return natural.Ask([&] { return Try(from, to, false); });
-        case Texture::Shaded: return shaded.Ask([&] { return Try(from, to, true); });
-        case Texture::Hard: break;
-        }
-        return Way::Drawing;
+        const Texture texture = TextureOf(picture, from, to);
+        if (texture == Texture::Hard)
+            return Way::Drawing;
+        if (texture == Texture::Natural)
+            return natural.Ask([&] { return PhotoOrGrain(from, to); });
+        if (picture.Height() < kWorthTryingAll * bandRows)
+            return Way::Photo;
+        return shaded.Ask([&] { return AnyWay(from, to); });
     }
 
-    Way Try(int from, int to, bool all)
+    // Two searches of the same rows. Grain takes several times as long, so it has to be worth it.
+    Way PhotoOrGrain(int from, int to)
+    {
+        const std::uint64_t photo = BitsOf(Way::Photo, from, to), grain = BitsOf(Way::Grain, from, to);
+        return photo <= grain + grain / 8 ? Way::Photo : Way::Grain;
+    }
+
+    // All of them, on some rows: looking for all that repeats takes longest.
+    Way AnyWay(int from, int to)
+    {
+        const int some = std::min(to, from + std::max(4, bandRows / 8));
+        const std::uint64_t fast = std::min(BitsOf(Way::Photo, from, some), BitsOf(Way::Grain, from, some));
+        const std::uint64_t shades = BitsOf(Way::Shades, from, some),
+                            drawing = BitsOf(Way::Drawing, from, some), least = std::min(shades, drawing);
+        if (fast <= least + least / 5)
+            return PhotoOrGrain(from, to);
+        return shades < drawing ? Way::Shades : Way::Drawing;
+    }
+
+    std::uint64_t BitsOf(Way way, int from, int to)
     {
         if (!trial)
             trial = std::make_unique<Trial>();
         const PackedRow before = above;
-        std::vector<std::uint8_t> rows(static_cast<std::size_t>(to - from) * (rowBytes + 1) + kRowMargin);
-        const std::uint8_t* end = Fill(rows.data(), from, to, true);
-        const auto bits = [&](Way way) {
-            return trial->BitsOf(
-                { rows.data(), static_cast<std::size_t>(end - rows.data()) }, LikenessOf(way), form.Step());
-        };
-        const std::uint64_t photo = bits(Way::Photo), grain = bits(Way::Grain);
-        // What takes more time has to be worth it.
-        const Way fast = photo <= grain + grain / 16 ? Way::Photo : Way::Grain;
-        const std::uint64_t shades = all ? bits(Way::Shades) : 0;
+        std::vector<std::uint8_t> rows(static_cast<std::size_t>(to - from) * layout.stride + kRowMargin);
+        const std::uint8_t* const end = Fill(rows.data(), from, to, IsFiltered(way));
         above = before;
-        if (!all)
-            return fast;
-        end = Fill(rows.data(), from, to, false);
-        above = before;
-        const std::uint64_t drawing = bits(Way::Drawing), least = std::min(shades, drawing);
-        if (std::min(photo, grain) <= least + least / 5)
-            return fast;
-        return shades < drawing ? Way::Shades : Way::Drawing;
+        return trial->BitsOf(
+            { rows.data(), static_cast<std::size_t>(end - rows.data()) }, LikenessOf(way), layout);
     }
 
     const Bitmap& picture;
     Form& form;
     std::size_t width, rowBytes;
+    Layout layout;
     int bandRows;
     DeflateStream stream;
     PackedRow current, above;

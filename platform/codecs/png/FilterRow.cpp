@@ -87,7 +87,7 @@ template<Filter filter>
 [[gnu::always_inline]] inline Filter BestOf(
     const std::uint8_t* row, const std::uint8_t* above, std::size_t bytes, std::size_t step)
 {
-    constexpr std::size_t kSampleStep = sizeof(Lanes); // every other vector tells enough
+    constexpr std::size_t kSampleStep = 2 * sizeof(Lanes); // every other vector tells enough
     constexpr std::size_t kStretch = 128 * kSampleStep;
     Sum sub, up, average, paeth;
     for (std::size_t start = 0; start < bytes; start += kStretch) {

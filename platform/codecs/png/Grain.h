@@ -1,11 +1,11 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include "platform/codecs/png/Block.h"
+#include "platform/codecs/png/Layout.h"
 
 namespace veltrane::codecs::png {
 
@@ -13,24 +13,18 @@ namespace veltrane::codecs::png {
 /// one candidate for each pixel, and takes only what is shorter than its literals would be.
 class GrainFinder {
 public:
+    static constexpr int kHashBits = 14;
+    using Heads = std::vector<std::uint16_t>; ///< for each hash the last position, its low bits
+
     GrainFinder();
 
-    /// Cuts bytes [from, to) of `data` into literals and matches and counts them in `block`, which is cleared
-    /// first. `data` holds the stream from `origin` on (a position in the stream). A pixel takes `step`
-    /// bytes.
+    /// Cuts bytes [from, to) of `data`, whole rows, into literals and matches and counts them in `block`,
+    /// which is cleared first. `data` holds the stream from `origin` on (a position in the stream).
     void Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to,
-        std::size_t step, Block& block);
+        const Layout& layout, Block& block);
 
 private:
-    static constexpr int kHashBits = 14;
-    using LeastLengths = std::array<unsigned, 16>; ///< worth a match, by the width of its distance
-
-    [[nodiscard]] static LeastLengths WorthTaking(Bytes bytes);
-    [[nodiscard]] std::uint32_t& HeadOf(const std::uint8_t* at) noexcept;
-    [[nodiscard]] unsigned Look(const std::uint8_t* here, std::uint32_t position, std::size_t reach,
-        std::size_t most, unsigned& distance) noexcept;
-
-    std::vector<std::uint32_t> heads;
+    Heads heads;
 };
 
 } // namespace veltrane::codecs::png

@@ -17,7 +17,7 @@ constexpr std::size_t kRun = 16; // a match this long that repeats the last pixe
 // How many candidates are looked at. A texture has many and none much better than the first, a drawing few
 // places that matter, between long matches which cost nothing: so every matched byte earns one look,
 // and looks beyond that are a debt.
-constexpr int kLeastDepth = 24, kMostDepth = 400, kMostCredit = 4000;
+constexpr int kMostCredit = 4000;
 
 constexpr unsigned kNearby = 8192; // matches of three bytes from further away cost more than literals
 constexpr std::size_t kEnoughSequences = 12'000; // of a block: statistics change along a picture
@@ -42,8 +42,11 @@ std::uint32_t HashOfThree(const std::uint8_t* at) noexcept
 
 } // namespace
 
-MatchFinder::MatchFinder()
-    : heads(std::size_t { 1 } << kHashBits), threes(std::size_t { 1 } << kThreesBits), previous(kWindow)
+MatchFinder::MatchFinder(Depth depth)
+    : depth(depth)
+    , heads(std::size_t { 1 } << kHashBits)
+    , threes(std::size_t { 1 } << kThreesBits)
+    , previous(kWindow)
 {
 }
 
@@ -118,15 +121,15 @@ std::size_t MatchFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std
     std::size_t at = from, literalsFrom = from;
     while (at < to && block.sequences.size() < kEnoughSequences) {
         credit = std::clamp(credit, -kMostCredit, kMostCredit);
-        const int depth = std::clamp(credit, kLeastDepth, kMostDepth);
-        Match match = Find(in, at, 2, depth);
+        const int looks = std::clamp(credit, depth.least, depth.most);
+        Match match = Find(in, at, 2, looks);
         if (match.length == 0) {
             ++block.literals[data[at++]];
             continue;
         }
         std::size_t noted = at + 1;
         while (match.length < kSettled) { // a better match one byte on is worth a literal
-            const Match next = Find(in, at + 1, match.length - 1, depth / 2);
+            const Match next = Find(in, at + 1, match.length - 1, looks / 2);
             ++noted;
             if (next.length == 0 || Worth(next) <= Worth(match) + 2)
                 break;

@@ -9,6 +9,7 @@
 #endif
 
 #include "platform/codecs/Processor.h"
+#include "platform/codecs/png/LiteralCounter.h"
 
 namespace veltrane::codecs::png {
 
@@ -61,61 +62,6 @@ std::uint64_t Beginnings(std::uint64_t mask) noexcept
     return mask & mask >> 2;
 }
 
-using Lanes = std::uint8_t __attribute__((vector_size(32)));
-using Quarters = std::uint64_t __attribute__((vector_size(32)));
-
-// Counts literals. Counting every byte takes as long as writing it; of long stretches one in four stands
-// for all, which makes the code no worse by a thousandth. But a rare byte must not be missed, since then it
-// would have no code, nor may every byte get one for that, since rare codes take room from the others: so
-// residues far from 0, where the rare ones are, are all counted.
-class Counter {
-public:
-    [[gnu::always_inline]] void Count(const std::uint8_t* bytes, std::size_t count) noexcept
-    {
-        if (count >= kLong) {
-            sampled = true;
-            for (; count >= sizeof(Lanes); count -= sizeof(Lanes), bytes += sizeof(Lanes))
-                CountSome(bytes);
-        }
-        for (std::size_t i = 0; i < count; ++i)
-            ++exact[i % 2][bytes[i]];
-    }
-    void AddTo(Block& block) const noexcept
-    {
-        for (std::size_t i = 0; i < 256; ++i) {
-            std::uint32_t count = exact[0][i] + exact[1][i];
-            if (static_cast<std::uint8_t>(i + kNear) > 2 * kNear)
-                count += far[0][i] + far[1][i];
-            else if (sampled)
-                count += 4 * (some[0][i] + some[1][i] + some[2][i] + some[3][i]) + 1;
-            block.literals[i] += count;
-        }
-    }
-
-private:
-    static constexpr std::size_t kLong = 256;
-    static constexpr std::uint8_t kNear = 32;
-    // Two and four tables, so that equal neighbours do not wait for each other's count.
-    using Table = std::array<std::uint32_t, 256>;
-
-    [[gnu::always_inline]] void CountSome(const std::uint8_t* bytes) noexcept
-    {
-        for (std::size_t i = 0; i < sizeof(Lanes) / 4; ++i)
-            ++some[i % 4][bytes[i]];
-        Lanes lanes;
-        std::memcpy(&lanes, bytes, sizeof lanes);
-        const auto beyond = reinterpret_cast<Quarters>(lanes + kNear > 2 * kNear);
-        if ((beyond[0] | beyond[1] | beyond[2] | beyond[3]) == 0)
-            return;
-        for (std::size_t i = 0; i < sizeof(Lanes); ++i)
-            ++far[i % 2][bytes[i]];
-    }
-
-    bool sampled = false;
-    std::array<Table, 4> some {};
-    std::array<Table, 2> exact {}, far {};
-};
-
 // Adds the zeros from `start` to `end` as matches at distance 1, which repeat the byte before them; the
 // first zero stays a literal. Where the literals of the next sequence begin.
 std::size_t AddRun(Block& block, std::size_t from, std::size_t start, std::size_t end)
@@ -131,11 +77,25 @@ std::size_t AddRun(Block& block, std::size_t from, std::size_t start, std::size_
     return start;
 }
 
+// Where the zeros from `at` on end.
+template<class ZeroMask>
+[[gnu::always_inline]] inline std::size_t EndOfZeros(Bytes bytes, std::size_t at, ZeroMask zeroMask)
+{
+    for (; at + kSeen <= bytes.size(); at += kSeen) {
+        const std::uint64_t mask = zeroMask(bytes.data() + at);
+        if (~mask != 0)
+            return at + static_cast<std::size_t>(std::countr_one(mask));
+    }
+    while (at < bytes.size() && bytes[at] == 0)
+        ++at;
+    return at;
+}
+
 template<class ZeroMask>
 [[gnu::always_inline]] inline void Find(Bytes bytes, Block& block, ZeroMask zeroMask)
 {
     block.Clear();
-    Counter counter;
+    LiteralCounter counter;
     const std::uint8_t* const data = bytes.data();
     std::size_t from = 0; // where the literals not yet in a sequence begin
     for (std::size_t i = 0; i + kSeen <= bytes.size();) {
@@ -148,8 +108,8 @@ template<class ZeroMask>
         const int length = std::countr_one(mask >> first);
         const std::size_t start = i + static_cast<std::size_t>(first);
         i = start + static_cast<std::size_t>(length);
-        while (first + length == kSeen && i < bytes.size() && data[i] == 0)
-            ++i;
+        if (first + length == static_cast<int>(kSeen))
+            i = EndOfZeros(bytes, i, zeroMask);
         counter.Count(data + from, start + 1 - from);
         from = AddRun(block, from, start, i);
     }

@@ -5,14 +5,14 @@
 namespace veltrane::codecs::png {
 
 std::size_t Search::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to,
-    Likeness likeness, std::size_t step, Block& block)
+    Likeness likeness, const Layout& layout, Block& block)
 {
     switch (likeness) {
     case Likeness::Residues: FindRuns({ data + from, to - from }, block); return to;
-    case Likeness::Grain: grain.Cut(data, origin, from, to, step, block); return to;
+    case Likeness::Grain: grain.Cut(data, origin, from, to, layout, block); return to;
     case Likeness::Repeats: break;
     }
-    return finder.Cut(data, origin, from, to, step, block);
+    return finder.Cut(data, origin, from, to, layout.step, block);
 }
 
 } // namespace veltrane::codecs::png

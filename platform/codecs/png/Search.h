@@ -19,10 +19,12 @@ enum class Likeness {
 /// Looks for repetitions in a stream, each part of it in the way that suits it.
 class Search {
 public:
+    explicit Search(Depth depth) : finder(depth) { }
+
     /// Cuts bytes from `from` on, at most up to `to`, into literals and matches, and counts them in `block`,
     /// which is cleared first; the position reached. The arguments are MatchFinder's.
     [[nodiscard]] std::size_t Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from,
-        std::size_t to, Likeness likeness, std::size_t step, Block& block);
+        std::size_t to, Likeness likeness, const Layout& layout, Block& block);
 
 private:
     GrainFinder grain;

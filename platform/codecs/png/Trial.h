@@ -13,12 +13,12 @@ namespace veltrane::codecs::png {
 /// Tells what bytes would come to if they were written, without writing them.
 class Trial {
 public:
-    /// Bits that `bytes` take, looked at as `likeness` says and without what came before them. A pixel takes
-    /// `step` bytes.
-    [[nodiscard]] std::uint64_t BitsOf(Bytes bytes, Likeness likeness, std::size_t step);
+    /// Bits that `bytes` take, looked at as `likeness` says and without what came before them. Repeats are
+    /// looked for at a glance.
+    [[nodiscard]] std::uint64_t BitsOf(Bytes bytes, Likeness likeness, const Layout& layout);
 
 private:
-    Search search;
+    Search search { kGlance };
     std::uint32_t origin = kWindow + 1; ///< behind whatever the finder remembers of other bytes
     Block block;
 };
