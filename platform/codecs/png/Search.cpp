@@ -12,7 +12,9 @@ std::size_t Search::Cut(const std::uint8_t* data, std::uint32_t origin, std::siz
     case Likeness::Grain: grain.Cut(data, origin, from, to, layout, block); return to;
     case Likeness::Repeats: break;
     }
-    return finder.Cut(data, origin, from, to, layout.step, block);
+    if (!finder)
+        finder.emplace(depth);
+    return finder->Cut(data, origin, from, to, layout.step, block);
 }
 
 } // namespace veltrane::codecs::png

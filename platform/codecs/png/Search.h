@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "platform/codecs/png/Block.h"
 #include "platform/codecs/png/Grain.h"
@@ -19,7 +20,7 @@ enum class Likeness {
 /// Looks for repetitions in a stream, each part of it in the way that suits it.
 class Search {
 public:
-    explicit Search(Depth depth) : finder(depth) { }
+    explicit Search(Depth depth) : depth(depth) { }
 
     /// Cuts bytes from `from` on, at most up to `to`, into literals and matches, and counts them in `block`,
     /// which is cleared first; the position reached. The arguments are MatchFinder's.
@@ -27,8 +28,10 @@ public:
         std::size_t to, Likeness likeness, const Layout& layout, Block& block);
 
 private:
+    Depth depth;
     GrainFinder grain;
-    MatchFinder finder;
+    std::optional<MatchFinder>
+        finder; ///< made when it is asked: its tables cost what a small photograph does
 };
 
 } // namespace veltrane::codecs::png
