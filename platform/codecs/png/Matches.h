@@ -13,7 +13,7 @@ struct Depth {
     int least, most;
 };
 constexpr Depth kThorough { 24, 400 };
-constexpr Depth kGlance { 4, 4 }; ///< enough to tell whether anything repeats
+constexpr Depth kGlance { 8, 8 }; ///< enough to tell whether anything repeats
 
 /// Finds what a stream has shown before, within deflate's window: chains of positions with the same four
 /// bytes, searched to a bounded depth, and the last position with the same three.

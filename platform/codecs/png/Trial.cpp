@@ -2,14 +2,21 @@
 
 namespace veltrane::codecs::png {
 
-std::uint64_t Trial::BitsOf(Bytes bytes, Likeness likeness, const Layout& layout)
+std::uint64_t Trial::BitsOf(Bytes bytes, std::size_t known, Likeness likeness, const Layout& layout)
+{
+    (void)Cut(bytes.first(known), 0, likeness, layout);
+    const std::uint64_t bits = Cut(bytes, known, likeness, layout);
+    origin += static_cast<std::uint32_t>(bytes.size() + kWindow);
+    return bits;
+}
+
+std::uint64_t Trial::Cut(Bytes bytes, std::size_t from, Likeness likeness, const Layout& layout)
 {
     std::uint64_t bits = 0;
-    for (std::size_t at = 0; at < bytes.size();) {
+    for (std::size_t at = from; at < bytes.size();) {
         at = search.Cut(bytes.data(), origin, at, bytes.size(), likeness, layout, block);
         bits += BlockBits(block);
     }
-    origin += static_cast<std::uint32_t>(bytes.size() + kWindow);
     return bits;
 }
 

@@ -28,14 +28,15 @@ Way WayChooser::WayFor(int from, int to)
     return shaded.Ask([&] { return AnyWay(from, to); });
 }
 
-// Two searches of the same rows, of small pictures a part of the band: it is the larger part of the work there.
-// Grain takes several times as long, so it has to be worth it.
+// Two searches of the same rows, of small pictures a part of the band: it is the larger part of the work
+// there. Grain takes several times as long, so it has to be worth it.
 Way WayChooser::PhotoOrGrain(int from, int to)
 {
     constexpr int kRows = 24;
     const int end = std::min(to, from + kRows);
     const Columns all { 0, width };
-    const std::uint64_t photo = BitsOf(Way::Photo, all, from, end), grain = BitsOf(Way::Grain, all, from, end);
+    const std::uint64_t photo = BitsOf(Way::Photo, all, from, end),
+                        grain = BitsOf(Way::Grain, all, from, end);
     return photo <= grain + grain / 8 ? Way::Photo : Way::Grain;
 }
 
@@ -43,8 +44,8 @@ Way WayChooser::PhotoOrGrain(int from, int to)
 // it.
 Way WayChooser::AnyWay(int from, int to)
 {
-    constexpr int kRows = 16;
-    constexpr std::size_t kPixels = 512;
+    constexpr int kRows = 24;
+    constexpr std::size_t kPixels = 400;
     const int end = std::min(to, from + kRows);
     const std::size_t pixels = std::min(width, kPixels);
     const Columns middle { (width - pixels) / 2, pixels };
@@ -56,6 +57,7 @@ Way WayChooser::AnyWay(int from, int to)
     return shades < drawing ? Way::Shades : Way::Drawing;
 }
 
+// Of the lower half, since what comes again must have come before.
 std::uint64_t WayChooser::BitsOf(Way way, const Columns& columns, int from, int to)
 {
     if (!trial)
@@ -64,8 +66,9 @@ std::uint64_t WayChooser::BitsOf(Way way, const Columns& columns, int from, int 
     const Layout& layout = rows.RowLayout();
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(to - from) * layout.stride + kRowMargin);
     const std::uint8_t* const end = rows.Write(bytes.data(), to, IsFiltered(way));
+    const std::size_t known = static_cast<std::size_t>(to - from) / 2 * layout.stride;
     return trial->BitsOf(
-        { bytes.data(), static_cast<std::size_t>(end - bytes.data()) }, LikenessOf(way), layout);
+        { bytes.data(), static_cast<std::size_t>(end - bytes.data()) }, known, LikenessOf(way), layout);
 }
 
 } // namespace veltrane::codecs::png
