@@ -56,8 +56,8 @@ void Fill(std::uint8_t* pixel, int kind, Source& source)
 
 Bitmap Picture(codecs::Bytes head, codecs::Bytes rest)
 {
-    const bool large = head[1] >= 0xE0; // beyond what encoders take for small; seldom, for its time
-    const int width = 1 + head[0] + 256 * (head[1] % 4), height = (1 + head[2] % 16) * (large ? 32 : 1);
+    const bool large = head[1] >= 0xF0; // beyond what encoders take for small; seldom, for its time
+    const int width = 1 + head[0] + 256 * (head[1] % 4), height = (1 + head[2] % 16) * (large ? 64 : 1);
     const int kind = head[3];
     Source source(rest);
     Bitmap picture = Bitmap::Uninitialised(width, height);
