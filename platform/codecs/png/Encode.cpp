@@ -51,7 +51,7 @@ void WritePalette(Sink& sink, const PaletteIndex& palette)
 
 class Encoder {
 public:
-    Encoder(const Bitmap& picture, Form& form, Sink& sink)
+    Encoder(const Bitmap& picture, const Form& form, Sink& sink)
         : picture(picture)
         , rows(picture, form, { 0, static_cast<std::size_t>(picture.Width()) })
         , bandRows(static_cast<int>(std::max<std::size_t>(1, kBandGoal / rows.RowLayout().stride)))
@@ -87,7 +87,7 @@ private:
 
 void Encode(const Bitmap& picture, int, Sink& sink)
 try {
-    Form form = FormOf(picture);
+    const Form form = FormOf(picture);
     sink.Write(kSignature);
     WriteHeader(sink, picture, form);
     if (form.colour == ColourType::Palette)

@@ -47,19 +47,6 @@ bool RowIsGrey(const std::uint8_t* rgba, std::size_t width) noexcept
     return Channels(differences)[0] == 0 && Channels(differences)[1] == 0;
 }
 
-// Neighbours are equal more often than not where there are few colours.
-bool IndexRow(PaletteIndex& palette, const std::uint8_t* rgba, std::size_t width) noexcept
-{
-    Pixel last = LoadPixel(rgba);
-    (void)palette.Of(last);
-    for (std::size_t i = 1; i < width && !palette.Full(); ++i) {
-        const Pixel pixel = LoadPixel(rgba + 4 * i);
-        if (pixel != last)
-            (void)palette.Of(last = pixel);
-    }
-    return !palette.Full();
-}
-
 Findings Look(const Bitmap& picture, PaletteIndex& palette)
 {
     const auto width = static_cast<std::size_t>(picture.Width());
@@ -68,7 +55,8 @@ Findings Look(const Bitmap& picture, PaletteIndex& palette)
         const std::uint8_t* const row = picture.Row(y);
         found.opaque = found.opaque && (picture.Opaque() || RowIsOpaque(row, width));
         found.grey = found.grey && RowIsGrey(row, width);
-        found.indexed = found.indexed && IndexRow(palette, row, width);
+        palette.Add(row, width);
+        found.indexed = !palette.Full();
         const bool nothingElse = !found.opaque || picture.Opaque();
         if (!found.grey && !found.indexed && nothingElse)
             break;
@@ -155,18 +143,6 @@ void PackGreyAlpha(const std::uint8_t* rgba, std::uint8_t* row, std::size_t widt
     }
 }
 
-void PackIndices(PaletteIndex& palette, const std::uint8_t* rgba, std::uint8_t* row, std::size_t width)
-{
-    Pixel last = LoadPixel(rgba);
-    std::uint8_t index = palette.Of(last);
-    for (std::size_t i = 0; i < width; ++i) {
-        const Pixel pixel = LoadPixel(rgba + 4 * i);
-        if (pixel != last)
-            index = palette.Of(last = pixel);
-        row[i] = index;
-    }
-}
-
 // Closes up samples of one byte each, in place. A grey sample's upper bits tell it all.
 void Close(std::uint8_t* row, std::size_t width, unsigned depth, unsigned dropped) noexcept
 {
@@ -180,37 +156,6 @@ void Close(std::uint8_t* row, std::size_t width, unsigned depth, unsigned droppe
 }
 
 } // namespace
-
-std::size_t PaletteIndex::SlotOf(Pixel pixel) const noexcept
-{
-    std::size_t slot = (pixel * 0x9E37'79B1U) >> 22;
-    while (slots[slot] != 0 && pixels[slots[slot] - 1U] != pixel)
-        slot = (slot + 1) % kSlots;
-    return slot;
-}
-
-std::uint8_t PaletteIndex::Of(Pixel pixel) noexcept
-{
-    const std::size_t slot = SlotOf(pixel);
-    if (slots[slot] == 0) {
-        if (count == pixels.size()) {
-            full = true;
-            return 0;
-        }
-        pixels[count++] = pixel;
-        slots[slot] = static_cast<std::uint16_t>(count);
-    }
-    return static_cast<std::uint8_t>(slots[slot] - 1);
-}
-
-void PaletteIndex::PutTransparentFirst() noexcept
-{
-    const auto end = pixels.begin() + static_cast<std::ptrdiff_t>(count);
-    std::stable_partition(pixels.begin(), end, [](Pixel pixel) { return Channels(pixel)[3] != 255; });
-    slots.fill(0);
-    for (std::size_t i = 0; i < count; ++i)
-        slots[SlotOf(pixels[i])] = static_cast<std::uint16_t>(i + 1);
-}
 
 std::size_t Form::BitsPerPixel() const noexcept
 {
@@ -235,7 +180,7 @@ Form FormOf(const Bitmap& picture)
     return form;
 }
 
-void PackRow(Form& form, const std::uint8_t* rgba, std::uint8_t* row, std::size_t width)
+void PackRow(const Form& form, const std::uint8_t* rgba, std::uint8_t* row, std::size_t width)
 {
     const auto depth = static_cast<unsigned>(form.depth);
     switch (form.colour) {
@@ -248,7 +193,7 @@ void PackRow(Form& form, const std::uint8_t* rgba, std::uint8_t* row, std::size_
             Close(row, width, depth, 8 - depth);
         break;
     case ColourType::Palette:
-        PackIndices(form.palette, rgba, row, width);
+        form.palette.Write(rgba, row, width);
         if (depth < 8)
             Close(row, width, depth, 0);
         break;

@@ -15,7 +15,7 @@ std::uint8_t* StoredRows::PackedRow::Data() noexcept
     return bytes.data() + kRowMargin;
 }
 
-StoredRows::StoredRows(const Bitmap& picture, Form& form, const Columns& columns, int from)
+StoredRows::StoredRows(const Bitmap& picture, const Form& form, const Columns& columns, int from)
     : picture(picture)
     , form(form)
     , columns(columns)

@@ -20,7 +20,7 @@ class StoredRows {
 public:
     /// Begins with row `from`. Parts of rows only in a form whose pixels take whole bytes. `picture` and
     /// `form` must outlive this.
-    StoredRows(const Bitmap& picture, Form& form, const Columns& columns, int from = 0);
+    StoredRows(const Bitmap& picture, const Form& form, const Columns& columns, int from = 0);
 
     [[nodiscard]] const Layout& RowLayout() const noexcept { return layout; }
 
@@ -41,7 +41,7 @@ private:
     void Pack(int y);
 
     const Bitmap& picture;
-    Form& form;
+    const Form& form;
     Columns columns;
     std::size_t rowBytes;
     Layout layout;

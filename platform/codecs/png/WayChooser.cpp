@@ -8,7 +8,7 @@
 
 namespace veltrane::codecs::png {
 
-WayChooser::WayChooser(const Bitmap& picture, Form& form)
+WayChooser::WayChooser(const Bitmap& picture, const Form& form)
     : picture(picture), form(form), width(static_cast<std::size_t>(picture.Width()))
 {
 }

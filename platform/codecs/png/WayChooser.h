@@ -16,7 +16,7 @@ namespace veltrane::codecs::png {
 class WayChooser {
 public:
     /// `picture` and `form` must outlive this.
-    WayChooser(const Bitmap& picture, Form& form);
+    WayChooser(const Bitmap& picture, const Form& form);
 
     /// For the rows [from, to), which come in turn; all bands but the last are alike.
     [[nodiscard]] Way WayFor(int from, int to);
@@ -27,7 +27,7 @@ private:
     [[nodiscard]] std::uint64_t BitsOf(Way way, const Columns& columns, int from, int to);
 
     const Bitmap& picture;
-    Form& form;
+    const Form& form;
     std::size_t width; ///< of the picture
     std::unique_ptr<Trial> trial;
     Verdict natural, shaded;
