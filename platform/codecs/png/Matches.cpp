@@ -14,10 +14,9 @@ constexpr int kHashBits = 15, kThreesBits = 14;
 constexpr unsigned kSettled = 64; // a match this long is taken without a look at the next position
 constexpr std::size_t kRun = 16; // a match this long that repeats the last pixel is a run
 
-// How many candidates are looked at. A texture has many and none much better than the first, a drawing few
-// places that matter, between long matches which cost nothing: so every matched byte earns one look,
-// and looks beyond that are a debt.
-constexpr int kMostCredit = 4000;
+// Whether a longer match begins one byte on is looked for less where the one at hand is good.
+constexpr unsigned kGood = 16;
+constexpr int kLessWhenGood = 16, kLess = 2;
 
 constexpr unsigned kNearby = 8192; // matches of three bytes from further away cost more than literals
 constexpr std::size_t kEnoughSequences = 12'000; // of a block: statistics change along a picture
@@ -42,7 +41,7 @@ std::uint32_t HashOfThree(const std::uint8_t* at) noexcept
 
 } // namespace
 
-MatchFinder::MatchFinder(Depth depth)
+MatchFinder::MatchFinder(int depth)
     : depth(depth)
     , heads(std::size_t { 1 } << kHashBits)
     , threes(std::size_t { 1 } << kThreesBits)
@@ -52,7 +51,7 @@ MatchFinder::MatchFinder(Depth depth)
 
 // Positions are compared by their distance, so that tables may hold what they like: a candidate counts
 // only if it lies in the window, and then its bytes are there to be compared.
-MatchFinder::Match MatchFinder::Find(const Stretch& in, std::size_t at, unsigned longerThan, int depth)
+MatchFinder::Match MatchFinder::Find(const Stretch& in, std::size_t at, unsigned longerThan, int looks)
 {
     Match best { longerThan, 0 };
     const auto most = static_cast<unsigned>(std::min(in.end - at, kLongestMatch));
@@ -67,7 +66,7 @@ MatchFinder::Match MatchFinder::Find(const Stretch& in, std::size_t at, unsigned
     if (longerThan < 3 && near - 1 < std::min<std::size_t>(reach, kNearby)
         && std::memcmp(here, here - near, 3) == 0)
         best = { 3, near };
-    for (std::uint32_t last = 0; depth > 0; --depth, --credit) {
+    for (std::uint32_t last = 0; looks > 0; --looks) {
         const std::uint32_t distance = position - candidate;
         if (distance <= last || distance > reach)
             break;
@@ -120,16 +119,15 @@ std::size_t MatchFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std
     block.Clear();
     std::size_t at = from, literalsFrom = from;
     while (at < to && block.sequences.size() < kEnoughSequences) {
-        credit = std::clamp(credit, -kMostCredit, kMostCredit);
-        const int looks = std::clamp(credit, depth.least, depth.most);
-        Match match = Find(in, at, 2, looks);
+        Match match = Find(in, at, 2, depth);
         if (match.length == 0) {
             ++block.literals[data[at++]];
             continue;
         }
         std::size_t noted = at + 1;
         while (match.length < kSettled) { // a better match one byte on is worth a literal
-            const Match next = Find(in, at + 1, match.length - 1, looks / 2);
+            const int looks = depth / (match.length >= kGood ? kLessWhenGood : kLess);
+            const Match next = Find(in, at + 1, match.length - 1, looks);
             ++noted;
             if (next.length == 0 || Worth(next) <= Worth(match) + 2)
                 break;
@@ -138,7 +136,6 @@ std::size_t MatchFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std
         }
         block.AddMatch(static_cast<std::uint32_t>(at - literalsFrom), match.length, match.distance);
         at += match.length;
-        credit += static_cast<int>(match.length);
         if (match.distance <= step && match.length > kRun) // its inside is all alike: the ends tell it apart
             noted = std::max(noted, at - 4);
         Skip(in, noted, at);

@@ -8,18 +8,15 @@
 
 namespace veltrane::codecs::png {
 
-/// How many earlier places are looked at for each position: so many at least, and at most where it pays.
-struct Depth {
-    int least, most;
-};
-constexpr Depth kThorough { 24, 400 };
-constexpr Depth kGlance { 8, 8 }; ///< enough to tell whether anything repeats
+/// How many earlier places are looked at for each position.
+constexpr int kThorough = 60;
+constexpr int kGlance = 8; ///< enough to tell whether anything repeats
 
 /// Finds what a stream has shown before, within deflate's window: chains of positions with the same four
 /// bytes, searched to a bounded depth, and the last position with the same three.
 class MatchFinder {
 public:
-    explicit MatchFinder(Depth depth);
+    explicit MatchFinder(int depth);
 
     /// Cuts bytes [from, to) of `data` into literals and matches and counts them in `block`, which is
     /// cleared first. Stops early, behind a whole sequence, when the block is long enough; the position
@@ -39,14 +36,13 @@ private:
         std::size_t end;
     };
 
-    [[nodiscard]] Match Find(const Stretch& in, std::size_t at, unsigned longerThan, int depth);
+    [[nodiscard]] Match Find(const Stretch& in, std::size_t at, unsigned longerThan, int looks);
     [[nodiscard]] static int Worth(const Match& match) noexcept;
     void Note(const Stretch& in, std::size_t at);
     void Skip(const Stretch& in, std::size_t from, std::size_t to);
 
-    Depth depth;
+    int depth;
     std::vector<std::uint32_t> heads, threes, previous;
-    int credit = 0; ///< candidates that may be looked at, for what matched bytes saved
 };
 
 } // namespace veltrane::codecs::png

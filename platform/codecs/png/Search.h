@@ -20,7 +20,8 @@ enum class Likeness {
 /// Looks for repetitions in a stream, each part of it in the way that suits it.
 class Search {
 public:
-    explicit Search(Depth depth) : depth(depth) { }
+    /// `depth`: of the search for repeats, as MatchFinder counts it.
+    explicit Search(int depth) : depth(depth) { }
 
     /// Cuts bytes from `from` on, at most up to `to`, into literals and matches, and counts them in `block`,
     /// which is cleared first; the position reached. The arguments are MatchFinder's.
@@ -28,7 +29,7 @@ public:
         std::size_t to, Likeness likeness, const Layout& layout, Block& block);
 
 private:
-    Depth depth;
+    int depth;
     GrainFinder grain;
     std::optional<MatchFinder>
         finder; ///< made when it is asked: its tables cost what a small photograph does
