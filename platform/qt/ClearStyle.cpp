@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/qt/MoreIcon.h"
+
 namespace veltrane::qt {
 
 namespace {
@@ -100,6 +102,15 @@ void ClearStyle::drawComplexControl(
     painter->setClipRegion(QRegion(groove).subtracted(handle)); // which stands before it
     DrawOutline(*painter, groove.adjusted(0, 0, -1, -1), outline, 1);
     painter->restore();
+}
+
+// The icon's file would make the toolkit load its readers of all picture formats, some milliseconds of a
+// start.
+QIcon ClearStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const
+{
+    if (icon == SP_ToolBarHorizontalExtensionButton)
+        return MoreIcon();
+    return QProxyStyle::standardIcon(icon, option, widget);
 }
 
 } // namespace veltrane::qt

@@ -1,12 +1,17 @@
 #include "platform/qt/QtApplication.h"
 
+#include <QFile>
 #include <QFileOpenEvent>
 #include <QIcon>
+#include <QImage>
+#include <QPixmap>
 #include <QSessionManager>
 
 #include "platform/FolderItem.h"
 #include "platform/Runtime.h"
 #include "platform/UriList.h"
+#include "platform/codecs/Bitmap.h"
+#include "platform/codecs/png/Png.h"
 #include "platform/qt/ClearStyle.h"
 #include "platform/qt/Edge.h"
 
@@ -26,12 +31,27 @@ void OpenDocument(const QUrl& address)
         Runtime::Current().OpenDocument(FolderItem::FromPath(*path));
 }
 
+// By our own decoder: the toolkit's reader would load the plug-in of every format first.
+QPixmap OwnPicture(const QString& name)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray bytes = file.readAll();
+    const codecs::Bitmap picture = codecs::kPng.decode(
+        { reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<std::size_t>(bytes.size()) },
+        {});
+    const QImage image(picture.Row(0), picture.Width(), picture.Height(),
+        static_cast<qsizetype>(picture.Stride()), QImage::Format_RGBA8888);
+    return QPixmap::fromImage(image);
+}
+
 QIcon WindowIcon()
 {
     ProvideIcon();
     QIcon icon;
     for (const int size : { 16, 32, 48 })
-        icon.addFile(QStringLiteral(":/icon/%1.png").arg(size), QSize(size, size));
+        icon.addPixmap(OwnPicture(QStringLiteral(":/icon/%1.png").arg(size)));
     return icon;
 }
 
