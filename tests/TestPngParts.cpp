@@ -207,13 +207,8 @@ TEST_P(PngPalette, FindsEachOf256PixelsAndNoMore)
     palette.Write(BytesOf(pixels), indices.data(), pixels.size());
     for (std::size_t i = 0; i < pixels.size(); ++i)
         EXPECT_EQ(palette.Pixels()[indices[i]], pixels[i]) << i;
-    const auto opaque = [](Pixel pixel) {
-        std::array<std::uint8_t, 4> channels {};
-        std::memcpy(channels.data(), &pixel, sizeof pixel);
-        return channels[3] == 255;
-    };
-    EXPECT_TRUE(std::is_partitioned(
-        palette.Pixels().begin(), palette.Pixels().end(), [&](Pixel pixel) { return !opaque(pixel); }));
+    EXPECT_TRUE(std::is_partitioned(palette.Pixels().begin(), palette.Pixels().end(),
+        [](Pixel pixel) { return Channels(pixel)[3] != 255; }));
     pixels.push_back(0x1234'5678);
     palette.Add(BytesOf(pixels), pixels.size());
     EXPECT_TRUE(palette.Full());

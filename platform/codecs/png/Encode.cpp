@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <new>
 #include <vector>
 
@@ -11,6 +10,7 @@
 #include "platform/codecs/png/DeflateStream.h"
 #include "platform/codecs/png/FilterRow.h"
 #include "platform/codecs/png/Form.h"
+#include "platform/codecs/png/Pixel.h"
 #include "platform/codecs/png/StoredRows.h"
 #include "platform/codecs/png/WayChooser.h"
 
@@ -39,7 +39,7 @@ void WritePalette(Sink& sink, const PaletteIndex& palette)
 {
     std::vector<std::uint8_t> colours, alphas;
     for (std::size_t i = 0; i < palette.Size(); ++i) {
-        const auto channels = std::bit_cast<std::array<std::uint8_t, 4>>(palette.Pixels()[i]);
+        const auto channels = Channels(palette.Pixels()[i]);
         colours.insert(colours.end(), channels.begin(), channels.begin() + 3);
         if (channels[3] != 255)
             alphas.push_back(channels[3]);

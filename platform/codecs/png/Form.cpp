@@ -5,22 +5,11 @@
 #include <cstring>
 
 #include "platform/codecs/Processor.h"
+#include "platform/codecs/png/Pixel.h"
 
 namespace veltrane::codecs::png {
 
 namespace {
-
-Pixel LoadPixel(const std::uint8_t* from) noexcept
-{
-    Pixel pixel = 0;
-    std::memcpy(&pixel, from, sizeof pixel);
-    return pixel;
-}
-
-std::array<std::uint8_t, 4> Channels(Pixel pixel) noexcept
-{
-    return std::bit_cast<std::array<std::uint8_t, 4>>(pixel);
-}
 
 // What may still be said of all pixels seen.
 struct Findings {

@@ -1,27 +1,9 @@
 #include "platform/codecs/png/PaletteIndex.h"
 
 #include <algorithm>
-#include <bit>
 #include <bitset>
-#include <cstring>
 
 namespace veltrane::codecs::png {
-
-namespace {
-
-Pixel LoadPixel(const std::uint8_t* from) noexcept
-{
-    Pixel pixel = 0;
-    std::memcpy(&pixel, from, sizeof pixel);
-    return pixel;
-}
-
-bool IsOpaque(Pixel pixel) noexcept
-{
-    return std::bit_cast<std::array<std::uint8_t, 4>>(pixel)[3] == 255;
-}
-
-} // namespace
 
 PaletteIndex::PaletteIndex() : slots(kSlots), indices(kSlots)
 {
@@ -110,7 +92,7 @@ void PaletteIndex::Write(const std::uint8_t* rgba, std::uint8_t* to, std::size_t
 void PaletteIndex::PutTransparentFirst()
 {
     const auto end = pixels.begin() + static_cast<std::ptrdiff_t>(size);
-    std::stable_partition(pixels.begin(), end, [](Pixel pixel) { return !IsOpaque(pixel); });
+    std::stable_partition(pixels.begin(), end, [](Pixel pixel) { return Channels(pixel)[3] != 255; });
     Place();
 }
 

@@ -5,10 +5,9 @@
 #include <cstdint>
 #include <vector>
 
-namespace veltrane::codecs::png {
+#include "platform/codecs/png/Pixel.h"
 
-/// A pixel as the number its four bytes make in memory.
-using Pixel = std::uint32_t;
+namespace veltrane::codecs::png {
 
 /// Finds pixels' places in the palette. Each has a slot that it shares with none of the others, so that a
 /// look takes no decision: where colours change often, those could not be predicted.
