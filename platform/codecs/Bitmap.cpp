@@ -1,7 +1,5 @@
 #include "platform/codecs/Bitmap.h"
 
-#include <sys/mman.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <tuple>
@@ -19,13 +17,16 @@ class SpareBlock {
 public:
     ~SpareBlock() { std::free(memory); }
 
-    // A block of at least `size` bytes, or null. A spare that does not fit is given to the system: keeping
-    // it beside a new block would hold memory for a picture that may never come.
+    // A block of at least `size` bytes, or null. A smaller spare grows, since the pages it has need no first
+    // touch any more. One that is far too large is given to the system: it would hold memory for a picture
+    // that may never come.
     [[nodiscard]] std::pair<void*, std::size_t> Take(std::size_t size) noexcept
     {
-        const bool fits = memory != nullptr && size <= capacity && capacity / 8 <= size;
-        if (!fits)
+        constexpr std::size_t kFarTooLarge = 8;
+        if (capacity / kFarTooLarge > size)
             Keep(nullptr, 0);
+        if (memory != nullptr && capacity < size)
+            Grow(size);
         return { std::exchange(memory, nullptr), std::exchange(capacity, 0) };
     }
     void Keep(void* block, std::size_t size) noexcept
@@ -35,6 +36,16 @@ public:
     }
 
 private:
+    void Grow(std::size_t size) noexcept
+    {
+        if (void* const grown = std::realloc(memory, size)) {
+            memory = grown;
+            capacity = size;
+        } else {
+            Keep(nullptr, 0); // alone, the new block may fit
+        }
+    }
+
     void* memory = nullptr;
     std::size_t capacity = 0;
 };
@@ -46,20 +57,6 @@ SpareBlock& Spare() noexcept
 }
 
 constexpr std::size_t kSmallestSpare = 64 * 1024; // below it the allocator recycles well enough
-
-// Lets the system hand out a fresh block in large pages where it knows them: a fault for each small page
-// takes longer than clearing it. Only for pixels that are all going to be written.
-void PreferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) noexcept
-{
-#ifdef MADV_HUGEPAGE
-    constexpr std::size_t kPage = std::size_t { 2 } << 20;
-    const auto start = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t first = (start + kPage - 1) / kPage * kPage, end = (start + size) / kPage * kPage;
-    if (first < end)
-        madvise(reinterpret_cast<void*>(first), end - first,
-            MADV_HUGEPAGE); // advice: refused, it costs only time
-#endif
-}
 
 } // namespace
 
@@ -76,8 +73,6 @@ public:
             capacity = size;
             // Large zeroed blocks come straight from the system and cost nothing before they are touched.
             memory = content == Content::Zero ? std::calloc(1, size) : std::malloc(size);
-            if (memory != nullptr && content == Content::Any)
-                PreferLargePages(memory, size);
         }
         if (memory == nullptr)
             throw OutOfMemoryException("mémoire insuffisante pour cette image");
