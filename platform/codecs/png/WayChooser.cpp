@@ -23,9 +23,8 @@ Way WayChooser::WayFor(int from, int to)
         return Way::Drawing;
     if (texture == Texture::Natural)
         return natural.Ask([&] { return PhotoOrGrain(from, to); });
-    if (picture.Height() < kWorthTryingAll * (to - from))
-        return Way::Photo;
-    return shaded.Ask([&] { return AnyWay(from, to); });
+    const bool small = picture.Height() < kWorthTryingAll * (to - from);
+    return shaded.Ask([&] { return small ? PhotoOrGrain(from, to) : AnyWay(from, to); });
 }
 
 // Two searches of the same rows, of small pictures a part of the band: it is the larger part of the work
@@ -37,7 +36,7 @@ Way WayChooser::PhotoOrGrain(int from, int to)
     const Columns all { 0, width };
     const std::uint64_t photo = BitsOf(Way::Photo, all, from, end),
                         grain = BitsOf(Way::Grain, all, from, end);
-    return photo <= grain + grain / 8 ? Way::Photo : Way::Grain;
+    return photo <= grain + grain / 9 ? Way::Photo : Way::Grain;
 }
 
 // All of them, on a patch: looking for all that repeats takes longest. Patterns of some rows must fit into
