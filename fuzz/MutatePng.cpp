@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include <libdeflate.h>
+#include "platform/codecs/png/Checksum.h"
+
+using namespace veltrane;
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most);
 
@@ -30,7 +32,7 @@ void SetChecksums(std::uint8_t* data, std::size_t size)
         const std::size_t length = Number(data + at);
         if (length > size - at - kAround)
             return;
-        PutNumber(data + at + 8 + length, libdeflate_crc32(0, data + at + 4, length + 4));
+        PutNumber(data + at + 8 + length, codecs::png::ChecksumOf({ data + at + 4, length + 4 }));
         at += kAround + length;
     }
 }

@@ -42,7 +42,7 @@ cmsContext Create()
 
 } // namespace
 
-cmsContext BoundedColours()
+_cmsContext_struct* BoundedColours()
 {
     static const cmsContext context = Create(); // never deleted: transforms may be kept until the very end
     return context;

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include <libdeflate.h>
-
 #include "platform/Exceptions.h"
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/png/Checksum.h"
 
 namespace veltrane::codecs::png {
 
@@ -24,10 +23,7 @@ struct Chunk {
     Bytes checked; // type and data, as the checksum covers them
     std::uint32_t checksum = 0;
 
-    [[nodiscard]] bool Sound() const noexcept
-    {
-        return libdeflate_crc32(0, checked.data(), checked.size()) == checksum;
-    }
+    [[nodiscard]] bool Sound() const noexcept { return ChecksumOf(checked) == checksum; }
     [[nodiscard]] bool Critical() const noexcept { return (type & kAncillary) == 0; }
 };
 

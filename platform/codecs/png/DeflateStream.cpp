@@ -6,6 +6,7 @@
 
 #include <libdeflate.h>
 
+#include "platform/codecs/png/Checksum.h"
 #include "platform/codecs/png/Chunks.h"
 
 namespace veltrane::codecs::png {
@@ -77,7 +78,7 @@ void DeflateStream::WriteChunk(bool last)
     PutNumber(out.data(), static_cast<std::uint32_t>(bytes));
     PutNumber(out.data() + 4, Type("IDAT"));
     // What the last flush left behind the end is still pending, so the checksum may take its place.
-    PutNumber(data + bytes, libdeflate_crc32(0, data - 4, bytes + 4));
+    PutNumber(data + bytes, ChecksumOf({ data - 4, bytes + 4 }));
     sink.Write({ out.data(), kChunkHead + bytes + 4 });
     writer.MoveTo(data);
 }
@@ -89,7 +90,7 @@ void WriteChunk(Sink& to, std::uint32_t type, Bytes data)
     PutNumber(chunk.data() + 4, type);
     std::copy(data.begin(), data.end(), chunk.begin() + kChunkHead);
     const std::size_t end = kChunkHead + data.size();
-    PutNumber(chunk.data() + end, libdeflate_crc32(0, chunk.data() + 4, data.size() + 4));
+    PutNumber(chunk.data() + end, ChecksumOf({ chunk.data() + 4, data.size() + 4 }));
     to.Write(chunk);
 }
 
