@@ -17,11 +17,35 @@ namespace {
 
 constexpr const char* kRefused = "lecture impossible";
 
+bool IsRegular(const std::string& path)
+{
+    struct stat found { };
+    return stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode);
+}
+
+/// The descriptor of a file on which another program, such as a file server, holds a lease: the system
+/// asks for it back, and waits a limited time. Negative when it cannot be opened.
+int OpenLeased(const std::string& path)
+{
+    int file = -1;
+    do {
+        file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    } while (file < 0 && errno == EINTR);
+    return file;
+}
+
+int OpenToRead(const std::string& path)
+{
+    // Without O_NONBLOCK a named pipe would hold the program until somebody writes to it.
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const bool leased = file < 0 && errno == EWOULDBLOCK && IsRegular(path);
+    return leased ? OpenLeased(path) : file;
+}
+
 } // namespace
 
 FileReader::FileReader(const std::string& path)
-    // Without O_NONBLOCK a named pipe would hold the program until somebody writes to it.
-    : file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
+    : file(OpenToRead(path))
 {
     if (file < 0)
         RaiseIO(kRefused, errno);

@@ -15,7 +15,8 @@ from pathlib import Path
 
 import pictures
 from drags import Drag, uri_list
-from table import check, equal, names, option, until
+from lease import Lease
+from table import check, equal, names, option
 
 FILES = 300
 MOMENTS = (1, 7, 20, 45, 80, 120, 160, 200, 250, 290)
@@ -25,19 +26,16 @@ UNDER_A_SHELL = ("env", "--default-signal=INT,HUP")
 SETTINGS = ["ConversionJPG=ko", "ConversionPNG=OK", "TauxJPG=42"]
 
 
-def drop_all(place, program):
+def make_all(place):
     files = [place.pictures / f"{number:03}.gif" for number in range(FILES)]
     for file in files:
         pictures.make(file, size="500x400")
-    with Drag(place, uri_list(files)) as drag:
-        drag.drop_on(program)
     return files
 
 
-def stop_at(program, copy):
-    """Freezes the program once a copy has appeared: how it is ended then takes no time of its drop."""
-    until(copy.exists, f"the copy {copy.name}")
-    program.send(signal.SIGSTOP)
+def drop_all(place, program, files):
+    with Drag(place, uri_list(files)) as drag:
+        drag.drop_on(program)
 
 
 def whole(place, files, source):
@@ -60,12 +58,13 @@ def ended_at(moment, end):
         place.prefer("\n".join(SETTINGS) + "\n")
         with place.start(prefix=UNDER_A_SHELL) as program:
             program.idle(0)
-            files = drop_all(place, program)
+            files = make_all(place)
             source = pictures.digest(files[0])
-            stop_at(program, files[moment - 1].with_suffix(".png"))
-            (place.settings / "Veltrane.pref").unlink()
-            end(program)
-            program.send(signal.SIGCONT)
+            with Lease(files[moment]) as lease:
+                drop_all(place, program, files)
+                lease.wait()
+                (place.settings / "Veltrane.pref").unlink()
+                end(program)
             equal(program.ended(), 0, "exit status")
         copies = ended_well(place, files, source)
         equal(moment <= copies < FILES, True, f"ended in the middle ({copies} copies)")
@@ -107,11 +106,13 @@ def logged_out(moment):
         place.prefer("\n".join(SETTINGS) + "\n")
         with session() as (environment, log_out), place.start(environment=environment) as program:
             program.idle(0)
-            files = drop_all(place, program)
+            files = make_all(place)
             source = pictures.digest(files[0])
-            until(files[moment - 1].with_suffix(".png").exists, "a copy")
-            (place.settings / "Veltrane.pref").unlink()
-            log_out(program)
+            with Lease(files[moment]) as lease:
+                drop_all(place, program, files)
+                lease.wait()
+                (place.settings / "Veltrane.pref").unlink()
+                log_out(program)
             equal(program.ended(), 0, "exit status")
         copies = ended_well(place, files, source)
         equal(moment <= copies < FILES, True, f"ended in the middle ({copies} copies)")
@@ -141,7 +142,8 @@ def ended_somewhere(place, number):
     ways = (closed, sent(signal.SIGTERM), None)
     with session() as (environment, log_out), place.start(environment=environment) as program:
         program.idle(0)
-        files = drop_all(place, program)
+        files = make_all(place)
+        drop_all(place, program, files)
         source = pictures.digest(files[0])
         (place.settings / "Veltrane.pref").unlink()
         time.sleep(random.uniform(0, 2))

@@ -5,6 +5,7 @@ import os
 
 import pictures
 from drags import Drag, uri_list
+from lease import Lease
 from table import both_ticked, check, equal, names, until
 
 
@@ -125,12 +126,12 @@ MANY = [f"{number:03}.gif" for number in range(300)]
 
 
 def sender_is_free(place):
-    """The sender is answered while most files still wait, and hears nothing more of them."""
-    files = make(place, *MANY, size="300x200")
+    """The sender is answered while files still wait, and hears nothing more of them."""
+    files = make(place, *MANY)
     with place.start() as program:
-        drop(place, program, uri_list(files))
-        left = len(MANY) * 2 - len(names(place.pictures))
-        equal(left > 0, True, "the sender was answered before the last file")
+        with Lease(files[0]):
+            drop(place, program, uri_list(files))
+            equal(len(names(place.pictures)), len(MANY), "files in the folder before the first copy")
         program.idle(300)
         equal(program.title(), "Veltrane V2 : 299.gif", "title")
         equal(program.close(), 0, "exit status")
@@ -150,35 +151,37 @@ def second_drop(place):
 
 def controls_live(place):
     """The slider and a box that are moved during a drop take effect from the next file on."""
-    files = make(place, *MANY, size="300x200")
+    files = make(place, *MANY)
     both_ticked(place)
     with place.start() as program:
         program.activate()
         program.keys("Tab")
-        drop(place, program, uri_list(files))
-        program.keys("Prior", "Tab", "space")
+        with Lease(files[150]) as lease:
+            drop(place, program, uri_list(files))
+            lease.wait()
+            program.keys("Prior", "Tab", "space")
         until(lambda: "Qualité (80%) : " in program.labels(), "the label to follow the slider")
         box = until(lambda: program.find("check box", "Auto Sauvegarde en PNG"), "the box")
         until(lambda: not box.has("checked"), "the box to be clear")
-        equal(until(program.taken, "the count") < 300, True, "moved while files were waiting")
         program.idle(300)
-    qualities = [pictures.quality(place.pictures / name) for name in ("000.jpg", "299.jpg")]
-    equal(qualities, [70, 80], "the first and the last JPEG's quality")
-    written = [(place.pictures / name).exists() for name in ("000.png", "299.png")]
-    equal(written, [True, False], "the first and the last file's PNG")
+    qualities = [pictures.quality(place.pictures / name) for name in ("000.jpg", "150.jpg", "299.jpg")]
+    equal(qualities, [70, 70, 80], "the quality of the first JPEG, of the one under way, and of the last")
+    written = [(place.pictures / name).exists() for name in ("000.png", "150.png", "299.png")]
+    equal(written, [True, True, False], "the PNG of the first file, of the one under way, and of the last")
 
 
 def closed_in_the_middle(how):
     def row(place):
-        files = make(place, *MANY, size="300x200")
+        files = make(place, *MANY)
         place.prefer("ConversionJPG=ko\nConversionPNG=OK\nTauxJPG=42\n")
         with place.start() as program:
-            drop(place, program, uri_list(files))
-            until(lambda: (place.pictures / "020.png").exists(), "the twenty-first copy")
-            how(program)
+            with Lease(files[20]) as lease:
+                drop(place, program, uri_list(files))
+                lease.wait()
+                how(program)
             equal(program.ended(), 0, "exit status")
         copies = [name for name in names(place.pictures) if name.endswith(b".png")]
-        equal(20 < len(copies) < 300, True, f"closed in the middle ({len(copies)} copies)")
+        equal(20 <= len(copies) < 300, True, f"closed in the middle ({len(copies)} copies)")
         for name in copies:
             copy = place.pictures / os.fsdecode(name)
             equal(pictures.complaints(copy), "", f"pngcheck on {name}")
