@@ -3,6 +3,9 @@
 #include <csignal>
 
 #include <fcntl.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <unistd.h>
 
 namespace veltrane {
@@ -16,6 +19,16 @@ void PrepareProcess() noexcept
     }
     (void)std::signal(SIGXFSZ, SIG_IGN);
     (void)std::signal(SIGPIPE, SIG_IGN);
+}
+
+void PrepareAllocator() noexcept
+{
+#ifdef __GLIBC__
+    constexpr int kLargestKept = 32 << 20; // bytes, of one buffer: more is not taken
+    (void)mallopt(M_ARENA_MAX, 1);
+    (void)mallopt(M_MMAP_THRESHOLD, kLargestKept);
+    (void)mallopt(M_TRIM_THRESHOLD, 2 * kLargestKept);
+#endif
 }
 
 } // namespace veltrane

@@ -10,4 +10,8 @@ namespace veltrane {
 /// reader of our output that has gone, are failures of the call and no longer the process's end.
 void PrepareProcess() noexcept;
 
+/// Tells the C library's allocator what this program is like, where it can be told: one thread does the work,
+/// and large buffers of one picture are wanted again for the next, so that giving them back costs twice.
+void PrepareAllocator() noexcept;
+
 } // namespace veltrane

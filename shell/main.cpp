@@ -40,6 +40,7 @@ std::vector<Ref<FolderItem>> Documents(std::span<char*> arguments)
 int main(int count, char** arguments)
 {
     PrepareProcess();
+    PrepareAllocator();
     const std::vector<Ref<FolderItem>> documents
         = Documents(std::span(arguments, static_cast<std::size_t>(count)).subspan(1));
     OneWindow oneWindow;

@@ -1,15 +1,27 @@
 #include "platform/codecs/Bitmap.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <tuple>
 #include <utility>
 
 #include "platform/Exceptions.h"
+#include "platform/codecs/Pages.h"
 
 namespace veltrane::codecs {
 
 namespace {
+
+// The bytes between two places of a block that are to be filled with pixels. Only so many at once: a file's
+// header is to be believed about a picture of usual size, and not about gigabytes.
+void Prepare(void* block, std::size_t from, std::size_t to) noexcept
+{
+    constexpr std::size_t kBelieved = std::size_t { 128 } << 20;
+    const std::size_t end = std::min(to, kBelieved);
+    if (from < end)
+        TakePages(static_cast<std::uint8_t*>(block) + from, end - from);
+}
 
 // First touch of fresh memory costs several times what a copy costs, so the block that was given back
 // last is kept for the next picture. One block, because pictures come one after the other.
@@ -40,7 +52,7 @@ private:
     {
         if (void* const grown = std::realloc(memory, size)) {
             memory = grown;
-            capacity = size;
+            Prepare(memory, std::exchange(capacity, size), size);
         } else {
             Keep(nullptr, 0); // alone, the new block may fit
         }
@@ -56,51 +68,78 @@ SpareBlock& Spare() noexcept
     return spare;
 }
 
-constexpr std::size_t kSmallestSpare = 64 * 1024; // below it the allocator recycles well enough
-
 } // namespace
 
 /// Owns the memory of pixels.
 class PixelBlock {
 public:
-    enum class Content { Any, Zero };
-
-    PixelBlock(std::size_t size, Content content) : capacity(size)
-    {
-        if (content == Content::Any && size >= kSmallestSpare)
-            std::tie(memory, capacity) = Spare().Take(size);
-        if (memory == nullptr) {
-            capacity = size;
-            // Large zeroed blocks come straight from the system and cost nothing before they are touched.
-            memory = content == Content::Zero ? std::calloc(1, size) : std::malloc(size);
-        }
-        if (memory == nullptr)
-            throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
-    ~PixelBlock()
-    {
-        if (capacity >= kSmallestSpare)
-            Spare().Keep(memory, capacity);
-        else
-            std::free(memory);
-    }
+    explicit PixelBlock(std::size_t size) : size(size) { }
+    virtual ~PixelBlock() = default;
     PixelBlock(const PixelBlock&) = delete;
     PixelBlock& operator=(const PixelBlock&) = delete;
 
-    [[nodiscard]] std::uint8_t* Data() noexcept { return static_cast<std::uint8_t*>(memory); }
+    [[nodiscard]] std::uint8_t* Data() const noexcept { return static_cast<std::uint8_t*>(memory); }
 
-private:
+protected:
+    [[nodiscard]] bool Large() const noexcept
+    {
+        constexpr std::size_t kLarge = 64 * 1024; // below it the allocator recycles well enough
+        return size >= kLarge;
+    }
+    void Own(void* block)
+    {
+        if (block == nullptr)
+            throw OutOfMemoryException("mémoire insuffisante pour cette image");
+        memory = block;
+    }
+
     void* memory = nullptr;
-    std::size_t capacity;
+    std::size_t size;
 };
 
 namespace {
 
-std::shared_ptr<PixelBlock> Allocate(
-    int width, int height, PixelBlock::Content content, std::size_t slack = 0)
+/// Whatever it held before.
+class AnyBlock final : public PixelBlock {
+public:
+    explicit AnyBlock(std::size_t wanted) : PixelBlock(wanted)
+    {
+        if (Large())
+            std::tie(memory, size) = Spare().Take(wanted);
+        if (memory == nullptr)
+            TakeNew(wanted);
+    }
+    ~AnyBlock() override
+    {
+        if (Large())
+            Spare().Keep(memory, size);
+        else
+            std::free(memory);
+    }
+
+private:
+    void TakeNew(std::size_t wanted)
+    {
+        size = wanted;
+        Own(std::malloc(size));
+        if (Large())
+            Prepare(memory, 0, size);
+    }
+};
+
+/// Zeros. Not recycled, as nobody may ever touch it.
+class ZeroBlock final : public PixelBlock {
+public:
+    explicit ZeroBlock(std::size_t size) : PixelBlock(size)
+    {
+        Own(Large() ? NewPages(size) : std::calloc(1, size));
+    }
+    ~ZeroBlock() override { Large() ? FreePages(memory, size) : std::free(memory); }
+};
+
+std::size_t Bytes(int width, int height)
 {
-    const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    return std::make_shared<PixelBlock>(pixels * Bitmap::kBytesPerPixel + slack, content);
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * Bitmap::kBytesPerPixel;
 }
 
 } // namespace
@@ -112,12 +151,12 @@ Bitmap::Bitmap(int width, int height, std::shared_ptr<PixelBlock> block) noexcep
 
 Bitmap Bitmap::Uninitialised(int width, int height, std::size_t slack)
 {
-    return { width, height, Allocate(width, height, PixelBlock::Content::Any, slack) };
+    return { width, height, std::make_shared<AnyBlock>(Bytes(width, height) + slack) };
 }
 
 Bitmap Bitmap::Transparent(int width, int height)
 {
-    Bitmap bitmap(width, height, Allocate(width, height, PixelBlock::Content::Zero));
+    Bitmap bitmap(width, height, std::make_shared<ZeroBlock>(Bytes(width, height)));
     bitmap.blank = true;
     return bitmap;
 }
@@ -131,7 +170,7 @@ std::uint8_t* Bitmap::Writable()
 {
     blank = false;
     if (block.use_count() > 1) {
-        auto own = Allocate(width, height, PixelBlock::Content::Any);
+        auto own = std::make_shared<AnyBlock>(Bytes(width, height));
         std::memcpy(own->Data(), block->Data(), Stride() * static_cast<std::size_t>(height));
         block = std::move(own);
     }
