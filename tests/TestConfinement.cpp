@@ -50,9 +50,11 @@ int Error(long number, Arguments... arguments)
 }
 
 #ifdef __x86_64__
-// getpid by its 32-bit number. 0 or the error, which that entry gives as the result.
+// getpid by its 32-bit number. 0 or the error, which that entry gives as the result. A system that was built
+// without the entry ends whoever tries it.
 int By32Bits()
 {
+    (void)std::signal(SIGSEGV, [](int) { _exit(kRefused); });
     int result = 20;
     asm volatile("int $0x80" : "+a"(result) : : "memory");
     return result < 0 ? -result : 0;
@@ -97,7 +99,7 @@ TEST_P(Denied, FailsWithAccessDenied)
 {
     const int error = Confined(GetParam().call);
     if (error == kRefused)
-        GTEST_SKIP() << "no filters here";
+        GTEST_SKIP() << "no filters here, or nothing to filter";
     EXPECT_EQ(error, EACCES);
 }
 
