@@ -44,8 +44,7 @@ int OpenToRead(const std::string& path)
 
 } // namespace
 
-FileReader::FileReader(const std::string& path)
-    : file(OpenToRead(path))
+FileReader::FileReader(const std::string& path) : file(OpenToRead(path))
 {
     if (file < 0)
         RaiseIO(kRefused, errno);
