@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <new>
 #include <span>
 #include <vector>
@@ -74,9 +75,57 @@ struct Group {
     }
 };
 
+// The pixels of a group's rows.
+struct RowsAt {
+    const std::uint8_t* whole = nullptr; // the rows that count whole, one below the other
+    const std::uint8_t* edges[2] {};
+    std::size_t stride = 0;
+};
+
+// Has the rows of a group as pixels: the picture's own, or made of its indices for the time being.
+class GroupRows {
+public:
+    explicit GroupRows(const Bitmap& source) : source(source)
+    {
+        if (source.Indices(0) != nullptr)
+            made.resize((kRowsInGroup + std::size(RowsAt {}.edges)) * source.Stride());
+    }
+
+    RowsAt Of(const Group& group)
+    {
+        RowsAt rows { .stride = source.Stride() };
+        if (made.empty()) {
+            rows.whole = source.Row(0) + static_cast<std::size_t>(group.from) * rows.stride;
+            for (std::size_t i = 0; i < std::size(rows.edges); ++i)
+                rows.edges[i] = source.Row(group.edges[i].row);
+            return rows;
+        }
+        rows.whole = made.data();
+        std::uint8_t* next = made.data();
+        for (int y = group.from; y < group.to; ++y)
+            Make(y, next);
+        for (std::size_t i = 0; i < std::size(rows.edges); ++i) {
+            rows.edges[i] = next;
+            if (group.edges[i].weight != 0)
+                Make(group.edges[i].row, next);
+        }
+        return rows;
+    }
+
+private:
+    void Make(int y, std::uint8_t*& next) const
+    {
+        source.CopyRow(y, next);
+        next += source.Stride();
+    }
+
+    const Bitmap& source;
+    std::vector<std::uint8_t> made;
+};
+
 // A scaling under way: the picture, and the columns that each target pixel covers.
 struct Job {
-    const Bitmap& source;
+    GroupRows source;
     std::span<const Span> across;
     float perPixel; // one over the area that a target pixel covers
     std::vector<std::uint16_t> sums; // of a group's rows, for each column of the source and each channel
@@ -92,11 +141,11 @@ VELTRANE_INLINE void Load(Words16& pixels, const std::uint8_t* from, std::size_t
 // Sums a line of columns, `left` and `right` bytes in two blocks, of the rows that lie `stride` apart.
 // `ahead` is how far from the first whole row's line the one lies that is soon summed in its place.
 template<class Block>
-VELTRANE_INLINE void SumLine(Job& job, const Group& group, std::size_t offset, std::size_t left,
-    std::size_t right, std::size_t ahead) noexcept
+VELTRANE_INLINE void SumLine(Job& job, const RowsAt& rows, const Group& group, std::size_t offset,
+    std::size_t left, std::size_t right, std::size_t ahead) noexcept
 {
-    const std::size_t stride = job.source.Stride();
-    const std::uint8_t* at = job.source.Row(0) + static_cast<std::size_t>(group.from) * stride + offset;
+    const std::size_t stride = rows.stride;
+    const std::uint8_t* at = rows.whole + offset;
     Block blocks[2];
     Words16 pixels;
     for (int y = group.from; y < group.to; ++y, at += stride) {
@@ -108,11 +157,11 @@ VELTRANE_INLINE void SumLine(Job& job, const Group& group, std::size_t offset, s
     }
     __builtin_prefetch(at + ahead);
     const int scaleBits = group.ScaleBits();
-    for (const Edge& edge : group.edges) {
-        if (edge.weight == 0)
+    for (std::size_t i = 0; i < std::size(group.edges); ++i) {
+        if (group.edges[i].weight == 0)
             continue;
-        const Words16 weight = Words16 {} + edge.weight;
-        at = job.source.Row(edge.row) + offset;
+        const Words16 weight = Words16 {} + group.edges[i].weight;
+        at = rows.edges[i] + offset;
         Load(pixels, at, left);
         blocks[0].AddShare(pixels, weight, scaleBits);
         Load(pixels, at + left, right);
@@ -127,20 +176,20 @@ VELTRANE_INLINE void SumLine(Job& job, const Group& group, std::size_t offset, s
 
 // Sums the line of columns that begins with `column`; the last line of a row may begin earlier.
 template<class Block>
-VELTRANE_INLINE void SumLineAt(Job& job, const Group& group, int column) noexcept
+VELTRANE_INLINE void SumLineAt(Job& job, const RowsAt& rows, const Group& group, int column) noexcept
 {
     constexpr std::size_t kAhead = 512; // bytes; measured: a processor alone asks too late for many rows
-    const std::size_t bytes = job.source.Stride();
+    const std::size_t bytes = rows.stride;
     if (bytes < 2 * kBlockBytes) {
         const std::size_t left = std::min(bytes, kBlockBytes);
-        SumLine<Block>(job, group, 0, left, bytes - left, 0);
+        SumLine<Block>(job, rows, group, 0, left, bytes - left, 0);
         return;
     }
     const std::size_t offset
         = std::min(static_cast<std::size_t>(column) * kChannels, bytes - 2 * kBlockBytes);
     const std::size_t below
         = offset + kAhead < bytes ? 0 : bytes * static_cast<std::size_t>(group.to - group.from + 1) - bytes;
-    SumLine<Block>(job, group, offset, kBlockBytes, kBlockBytes, kAhead + below);
+    SumLine<Block>(job, rows, group, offset, kBlockBytes, kBlockBytes, kAhead + below);
 }
 
 // The sum of a span's columns.
@@ -172,11 +221,12 @@ template<class Block>
 VELTRANE_INLINE void AddGroup(Job& job, const Group& group)
 {
     const float unit = 1 / (Block::kUnit * static_cast<float>(1 << group.ScaleBits()));
+    const RowsAt rows = job.source.Of(group);
     int ready = job.across.front().first;
     for (std::size_t i = 0; i < job.across.size(); ++i) {
         const Span& span = job.across[i];
         for (; ready <= span.last; ready += kLinePixels)
-            SumLineAt<Block>(job, group, ready);
+            SumLineAt<Block>(job, rows, group, ready);
         Floats4 sum;
         SumSpan(job.sums.data(), span, sum);
         job.total[i] += sum * unit;
@@ -275,7 +325,7 @@ try {
     }
     const double covered = area.width / target.width * std::max(rows, 1.0);
     const std::size_t columns = static_cast<std::size_t>(source.Width()) + kLinePixels;
-    Job job { source, across, static_cast<float>(1 / covered),
+    Job job { GroupRows(source), across, static_cast<float>(1 / covered),
         std::vector<std::uint16_t>(columns * kChannels), std::vector<Floats4>(across.size()) };
     ScalingFor(source.Opaque())(job, down, target);
 } catch (const std::bad_alloc&) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 #include <vector>
 #ifdef __x86_64__
 #include <emmintrin.h>
@@ -111,8 +112,35 @@ struct Rows {
     std::size_t count = 0;
 };
 
+// Has rows as pixels: the picture's own, or made of its indices and kept while the same target row needs
+// them.
+class PixelRows {
+public:
+    explicit PixelRows(const Bitmap& source) : source(source)
+    {
+        if (source.Indices(0) != nullptr)
+            made.resize(kMostTaps * source.Stride());
+    }
+
+    const std::uint8_t* Row(int y)
+    {
+        if (made.empty())
+            return source.Row(y);
+        const auto place = static_cast<std::size_t>(y % kMostTaps);
+        std::uint8_t* const row = made.data() + place * source.Stride();
+        if (std::exchange(held[place], y) != y)
+            source.CopyRow(y, row);
+        return row;
+    }
+
+private:
+    const Bitmap& source;
+    std::vector<std::uint8_t> made;
+    int held[kMostTaps] { -1, -1, -1, -1, -1, -1 }; // the rows that stand there
+};
+
 // Those of a target row, each from column `left` on.
-Rows RowsOf(const Bitmap& source, const Taps& down, std::size_t target, int left)
+Rows RowsOf(PixelRows& source, const Taps& down, std::size_t target, int left)
 {
     Rows rows;
     const auto each = static_cast<std::size_t>(down.each);
@@ -245,9 +273,10 @@ void ScaleByTaps(const Bitmap& source, const SourceArea& area, const ScaledPixel
     const std::size_t bytes = static_cast<std::size_t>(across.count) * kChannels;
     const Averaging average = source.Opaque() ? AverageRows<OpaquePixels> : AverageRows<AlphaPixels>;
     const Writing write = WritingFor(across.pairs);
+    PixelRows rows(source);
     std::uint8_t* out = target.rows;
     for (std::size_t y = 0; y < down.first.size(); ++y, out += target.stride) {
-        average(RowsOf(source, down, y, across.left), bytes, columns.data());
+        average(RowsOf(rows, down, y, across.left), bytes, columns.data());
         write(across, columns.data(), target.width, out);
     }
 }

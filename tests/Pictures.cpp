@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <map>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -54,6 +56,28 @@ int Difference(const Bitmap& a, const Bitmap& b)
         }
     }
     return most;
+}
+
+std::optional<Bitmap> KeptAsIndices(const Bitmap& picture)
+{
+    std::map<std::uint32_t, std::uint8_t> indices;
+    codecs::Palette palette {};
+    std::vector<std::uint8_t> kept;
+    for (int y = 0; y < picture.Height(); ++y) {
+        for (int x = 0; x < picture.Width(); ++x) {
+            std::uint32_t pixel = 0;
+            std::memcpy(&pixel, picture.Row(y) + 4 * x, sizeof pixel);
+            const auto next = static_cast<std::uint8_t>(255 - indices.size());
+            if (!indices.contains(pixel) && indices.size() == palette.size())
+                return std::nullopt;
+            kept.push_back(indices.try_emplace(pixel, next).first->second);
+            palette[kept.back()] = pixel;
+        }
+    }
+    Bitmap same = Bitmap::Indexed(picture.Width(), picture.Height(), palette);
+    std::ranges::copy(kept, same.WritableIndices());
+    same.Opaque(picture.Opaque());
+    return same;
 }
 
 bool EveryAlphaIs255(const Bitmap& picture)

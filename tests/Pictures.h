@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/codecs/Bitmap.h"
@@ -13,6 +14,10 @@ namespace veltrane::tests {
 /// The largest difference of a channel between two pictures of one size, 256 when the sizes differ. Where
 /// both are transparent, colours are not compared.
 [[nodiscard]] int Difference(const codecs::Bitmap& a, const codecs::Bitmap& b);
+
+/// The same pixels kept as indices, the last index for the pixel that is met first; none when there are more
+/// than 256 of them.
+[[nodiscard]] std::optional<codecs::Bitmap> KeptAsIndices(const codecs::Bitmap& picture);
 
 /// Whether every alpha is 255.
 [[nodiscard]] bool EveryAlphaIs255(const codecs::Bitmap& picture);

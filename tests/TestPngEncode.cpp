@@ -2,6 +2,7 @@
 #include <array>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <random>
 #include <set>
 #include <string>
@@ -12,6 +13,7 @@
 #include "platform/codecs/Processor.h"
 #include "platform/codecs/png/Png.h"
 #include "tests/Naming.h"
+#include "tests/Pictures.h"
 
 using namespace veltrane;
 using codecs::Bitmap;
@@ -258,6 +260,20 @@ TEST_P(PngEncode, IsTheSameOnAnOlderProcessor)
     kPng.encode(picture, -1, there);
     EXPECT_TRUE(here.bytes == there.bytes);
     ExpectSame(kPng.decode(here.bytes, codecs::Limits {}), picture);
+}
+
+TEST_P(PngEncode, IsTheSameWhenKeptAsIndices)
+{
+    const EncodeCase& c = GetParam();
+    const Bitmap picture = Painted(c.width, c.height, c.paint);
+    const std::optional<Bitmap> kept = tests::KeptAsIndices(picture);
+    EXPECT_TRUE(kept || c.colourType != 3);
+    if (!kept)
+        return;
+    MemorySink direct, indexed;
+    kPng.encode(picture, -1, direct);
+    kPng.encode(*kept, -1, indexed);
+    EXPECT_TRUE(direct.bytes == indexed.bytes);
 }
 
 INSTANTIATE_TEST_SUITE_P(Png, PngEncode, testing::ValuesIn(kCases), tests::kByName);

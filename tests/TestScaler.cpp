@@ -2,6 +2,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <random>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "platform/Scaler.h"
 #include "platform/codecs/Processor.h"
 #include "tests/Naming.h"
+#include "tests/Pictures.h"
 
 using namespace veltrane;
 using codecs::Bitmap;
@@ -123,6 +125,7 @@ constexpr Row kRows[] = {
     { "part_inside_pixels", 30, 20, { 3.3, 5.6, 11.9, 7.2 }, 4, 3 },
     { "part_at_the_far_corner", 30, 20, { 19.5, 12.25, 10.5, 7.75 }, 3, 3 },
     { "rows_beyond_a_16_bit_sum", 3, 1200, { 0, 0, 3, 1200 }, 1, 2 },
+    { "rows_of_many_groups_and_edges", 5, 100, { 0, 0.5, 5, 99 }, 2, 3 },
     { "rows_of_one_group", 5, 32, { 0, 0, 5, 32 }, 2, 2 },
     { "rows_of_one_group_and_one", 5, 34, { 0, 0, 5, 34 }, 2, 2 },
     { "much_higher", 3, 2, { 0, 0, 3, 2 }, 3, 900 },
@@ -154,6 +157,23 @@ TEST_P(Scaler, IsTheExactAverageOnAnOlderProcessor)
 {
     const codecs::OldProcessor old;
     ExpectExactAverage(GetParam());
+}
+
+// Of so few pixels that the same picture can be kept as indices: their rows are made on the way.
+TEST_P(Scaler, IsTheSameOfIndices)
+{
+    const Row& row = GetParam();
+    Bitmap direct = Noise(row);
+    std::uint8_t* const pixels = direct.Writable();
+    for (std::size_t i = 0; i < direct.Stride() * static_cast<std::size_t>(row.height); ++i)
+        pixels[i] |= i % 4 == 3 ? 0x7F : 0xDB;
+    const std::optional<Bitmap> kept = tests::KeptAsIndices(direct);
+    ASSERT_TRUE(kept);
+    const std::size_t stride = static_cast<std::size_t>(row.targetWidth) * 4;
+    std::vector<std::uint8_t> expected(stride * static_cast<std::size_t>(row.targetHeight)), made = expected;
+    ScaleByArea(direct, row.area, { expected.data(), row.targetWidth, row.targetHeight, stride });
+    ScaleByArea(*kept, row.area, { made.data(), row.targetWidth, row.targetHeight, stride });
+    EXPECT_EQ(made, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Areas, Scaler, testing::ValuesIn(kRows), tests::kByName);

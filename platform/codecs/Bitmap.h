@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <memory>
 
-namespace veltrane::codecs {
+#include "platform/codecs/PixelBlock.h"
 
-class PixelBlock;
+namespace veltrane::codecs {
 
 /// Pixels: straight (not premultiplied) 8-bit RGBA in byte order, sRGB, rows from the top left without
 /// padding. Copying shares the pixels; the first write through one of the copies gives that copy its own.
+/// A picture of few colours may be kept as indices into a palette: a fourth of the memory, and what is
+/// written with a palette again need not look the colours up. Whoever asks for pixels gets them all the same.
 class Bitmap {
 public:
     static constexpr std::size_t kBytesPerPixel = 4;
@@ -24,6 +26,10 @@ public:
     /// Every pixel transparent black; memory is taken as the pixels are touched.
     /// Raises OutOfMemoryException when the machine has not the room.
     [[nodiscard]] static Bitmap Transparent(int width, int height);
+
+    /// Pixels that are told by indices, which are not set yet: see WritableIndices.
+    /// Raises OutOfMemoryException when the machine has not the room.
+    [[nodiscard]] static Bitmap Indexed(int width, int height, const Palette& palette);
 
     [[nodiscard]] int Width() const noexcept { return width; }
     [[nodiscard]] int Height() const noexcept { return height; }
@@ -42,12 +48,26 @@ public:
         return static_cast<std::size_t>(width) * kBytesPerPixel;
     }
 
-    /// The row `y`, from 0 to Height - 1: Stride bytes, valid while this Bitmap holds them.
-    [[nodiscard]] const std::uint8_t* Row(int y) const noexcept;
+    /// The row `y`, from 0 to Height - 1: Stride bytes, valid while this Bitmap holds them. Raises
+    /// OutOfMemoryException when the pixels are kept as indices and have not the room beside them.
+    [[nodiscard]] const std::uint8_t* Row(int y) const;
 
-    /// All rows for writing, row 0 first. Copies the pixels first when they are shared; ask once, not for
-    /// each row. Raises OutOfMemoryException when that copy does not fit.
+    /// The indices of row `y`, Width bytes; null when the pixels are not kept so.
+    [[nodiscard]] const std::uint8_t* Indices(int y) const noexcept;
+
+    /// The pixel of each index, of pixels that are kept as indices.
+    [[nodiscard]] const Palette& Colours() const noexcept { return indexed->Colours(); }
+
+    /// Copies the row `y` to Stride bytes at `rgba`, without keeping the pixels of indices.
+    void CopyRow(int y, std::uint8_t* rgba) const noexcept;
+
+    /// All rows for writing, row 0 first. Copies the pixels first when they are shared or kept as indices;
+    /// ask once, not for each row. Raises OutOfMemoryException when that copy does not fit.
     [[nodiscard]] std::uint8_t* Writable();
+
+    /// All indices, row 0 first, for who has just made an Indexed picture: before it is copied, and before
+    /// pixels are asked for.
+    [[nodiscard]] std::uint8_t* WritableIndices() noexcept;
 
     /// True when both hold the same pixels in memory, so that neither has been written since the copy.
     [[nodiscard]] bool SharesPixelsWith(const Bitmap& other) const noexcept { return block == other.block; }
@@ -60,6 +80,7 @@ private:
     bool opaque = false;
     bool blank = false;
     std::shared_ptr<PixelBlock> block;
+    IndexedBlock* indexed = nullptr; ///< the same block, when it is one of indices
 };
 
 } // namespace veltrane::codecs

@@ -80,39 +80,57 @@ void CheckWork(const GifFrame& frame, std::size_t rows, const Layout& layout)
         throw UnsupportedFormatException("image GIF démesurée par rapport à son écran");
 }
 
-// Gives whether every pixel was opaque.
-bool PaintRow(const std::uint8_t* indices, const GifPalette& palette, std::uint8_t* rgba, int pixels)
+// Calls `paint` with the place of each row that is seen, in the frame, and its indices.
+template<class Painting>
+void PaintRows(GifReader& reader, const Layout& layout, const std::vector<int>& rows, Painting paint)
 {
-    std::uint32_t common = UINT32_MAX;
-    for (int x = 0; x < pixels; ++x) {
-        const std::uint32_t colour = palette[indices[x]];
-        common &= colour;
-        std::memcpy(rgba + static_cast<std::size_t>(x) * Bitmap::kBytesPerPixel, &colour, sizeof colour);
+    for (const int y : rows) {
+        const std::uint8_t* const indices = reader.ReadRow();
+        if (y < layout.visibleHeight)
+            paint(static_cast<std::size_t>(y), indices);
     }
-    // Only transparent black has any bit of the alpha clear.
-    std::uint8_t bytes[Bitmap::kBytesPerPixel];
-    std::memcpy(bytes, &common, sizeof common);
-    return bytes[3] == 255;
+}
+
+// Where the frame has no index for what lies around it.
+Bitmap PaintPixels(GifReader& reader, const Layout& layout, const std::vector<int>& rows)
+{
+    Bitmap picture = Bitmap::Transparent(layout.screenWidth, layout.screenHeight);
+    const Palette colours = reader.Colours();
+    std::uint8_t* const corner = picture.Writable()
+        + static_cast<std::size_t>(layout.left) * Bitmap::kBytesPerPixel
+        + static_cast<std::size_t>(layout.top) * picture.Stride();
+    PaintRows(reader, layout, rows, [&](std::size_t y, const std::uint8_t* indices) {
+        std::uint8_t* to = corner + y * picture.Stride();
+        for (int x = 0; x < layout.visibleWidth; ++x, to += Bitmap::kBytesPerPixel)
+            std::memcpy(to, &colours[indices[x]], Bitmap::kBytesPerPixel);
+    });
+    return picture;
+}
+
+Bitmap PaintIndices(GifReader& reader, const Layout& layout, const std::vector<int>& rows)
+{
+    Bitmap picture = Bitmap::Indexed(layout.screenWidth, layout.screenHeight, reader.Colours());
+    const auto width = static_cast<std::size_t>(picture.Width()),
+               seen = static_cast<std::size_t>(layout.visibleWidth);
+    const int transparent = reader.TransparentIndex();
+    std::uint8_t* const all = picture.WritableIndices();
+    if (!layout.CoversScreen())
+        std::memset(all, transparent, width * static_cast<std::size_t>(picture.Height()));
+    std::uint8_t* const corner
+        = all + static_cast<std::size_t>(layout.left) + static_cast<std::size_t>(layout.top) * width;
+    bool opaque = layout.CoversScreen();
+    PaintRows(reader, layout, rows, [&](std::size_t y, const std::uint8_t* indices) {
+        std::memcpy(corner + y * width, indices, seen);
+        opaque = opaque && (transparent < 0 || std::memchr(indices, transparent, seen) == nullptr);
+    });
+    picture.Opaque(opaque);
+    return picture;
 }
 
 Bitmap Paint(GifReader& reader, const Layout& layout, const std::vector<int>& rows)
 {
-    const bool covers = layout.CoversScreen();
-    Bitmap picture = covers ? Bitmap::Uninitialised(layout.screenWidth, layout.screenHeight)
-                            : Bitmap::Transparent(layout.screenWidth, layout.screenHeight);
-    const GifPalette palette = reader.Palette();
-    std::uint8_t* const corner = picture.Writable()
-        + static_cast<std::size_t>(layout.left) * Bitmap::kBytesPerPixel
-        + static_cast<std::size_t>(layout.top) * picture.Stride();
-    bool opaque = covers;
-    for (const int y : rows) {
-        const std::uint8_t* const indices = reader.ReadRow();
-        if (y < layout.visibleHeight)
-            opaque &= PaintRow(indices, palette, corner + static_cast<std::size_t>(y) * picture.Stride(),
-                layout.visibleWidth);
-    }
-    picture.Opaque(opaque);
-    return picture;
+    const bool byIndices = layout.CoversScreen() || reader.TransparentIndex() >= 0;
+    return byIndices ? PaintIndices(reader, layout, rows) : PaintPixels(reader, layout, rows);
 }
 
 bool Probe(Bytes head) noexcept

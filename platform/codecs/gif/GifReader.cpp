@@ -68,9 +68,9 @@ std::uint32_t Pixel(std::uint8_t red, std::uint8_t green, std::uint8_t blue)
 
 // A file without any palette leaves the colours to us, with black and white as the first two (GIF 89a,
 // section 19, "Global Color Table"); the further ones are shades between them.
-GifPalette GreyPalette()
+Palette GreyPalette()
 {
-    GifPalette palette;
+    Palette palette;
     for (std::size_t i = 0; i < palette.size(); ++i) {
         const auto shade = static_cast<std::uint8_t>(i);
         palette[i] = Pixel(shade, shade, shade);
@@ -79,9 +79,9 @@ GifPalette GreyPalette()
     return palette;
 }
 
-GifPalette Colours(const ColorMapObject& map)
+Palette ColoursOf(const ColorMapObject& map)
 {
-    GifPalette palette;
+    Palette palette;
     palette.fill(Pixel(0, 0, 0));
     const auto count = static_cast<std::size_t>(std::clamp(map.ColorCount, 0, 256));
     for (std::size_t i = 0; i < count; ++i)
@@ -120,10 +120,10 @@ int GifReader::ScreenHeight() const noexcept
     return gif->SHeight;
 }
 
-GifPalette GifReader::Palette() const
+Palette GifReader::Colours() const
 {
     const ColorMapObject* const map = gif->Image.ColorMap != nullptr ? gif->Image.ColorMap : gif->SColorMap;
-    GifPalette palette = map != nullptr ? Colours(*map) : GreyPalette();
+    Palette palette = map != nullptr ? ColoursOf(*map) : GreyPalette();
     if (transparent >= 0)
         palette[static_cast<std::size_t>(transparent)] = 0;
     return palette;

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
+#include "platform/codecs/Bitmap.h"
 #include "platform/codecs/Bytes.h"
 #include "platform/codecs/gif/GifLzw.h"
 
@@ -21,9 +21,6 @@ struct GifFrame {
     int height = 0;
     bool interlaced = false;
 };
-
-/// Colours as they lie in a Bitmap's memory, one for each index.
-using GifPalette = std::array<std::uint32_t, 256>;
 
 /// Reads a GIF up to the rows of its first frame. Every failure is raised as UnsupportedFormatException or
 /// OutOfMemoryException; the library's own states stay in here.
@@ -41,7 +38,7 @@ public:
 
     /// The frame's colours: its own, else the file's, else shades of grey. The transparent index is
     /// transparent black; an index that the palette has not is opaque black.
-    [[nodiscard]] GifPalette Palette() const;
+    [[nodiscard]] Palette Colours() const;
 
     /// The index that is transparent, or -1.
     [[nodiscard]] int TransparentIndex() const noexcept { return transparent; }

@@ -1,10 +1,12 @@
 #include "platform/codecs/png/Form.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstring>
+#include <span>
+#include <tuple>
+#include <vector>
 
-#include "platform/codecs/Processor.h"
+#include "platform/codecs/png/Packing.h"
 #include "platform/codecs/png/Pixel.h"
 
 namespace veltrane::codecs::png {
@@ -36,7 +38,41 @@ bool RowIsGrey(const std::uint8_t* rgba, std::size_t width) noexcept
     return Channels(differences)[0] == 0 && Channels(differences)[1] == 0;
 }
 
-Findings Look(const Bitmap& picture, PaletteIndex& palette)
+// The indices that occur, in the order in which they are first met.
+std::vector<std::uint8_t> MetIndices(const Bitmap& picture)
+{
+    const auto width = static_cast<std::size_t>(picture.Width());
+    std::array<bool, std::tuple_size_v<Palette>> met {};
+    std::vector<std::uint8_t> order;
+    for (int y = 0; y < picture.Height() && order.size() < met.size(); ++y) {
+        const std::uint8_t* const row = picture.Indices(y);
+        for (std::size_t i = 0; i < width; ++i) {
+            if (!met[row[i]]) [[unlikely]] {
+                met[row[i]] = true;
+                order.push_back(row[i]);
+            }
+        }
+    }
+    return order;
+}
+
+// The pixels of those indices, as a row.
+std::vector<std::uint8_t> PixelsOf(const Palette& colours, std::span<const std::uint8_t> met)
+{
+    std::vector<std::uint8_t> rgba(met.size() * sizeof(Pixel));
+    for (std::size_t i = 0; i < met.size(); ++i)
+        std::memcpy(rgba.data() + i * sizeof(Pixel), &colours[met[i]], sizeof(Pixel));
+    return rgba;
+}
+
+Findings LookAtPalette(std::span<const std::uint8_t> rgba, PaletteIndex& palette)
+{
+    const std::size_t count = rgba.size() / sizeof(Pixel);
+    palette.Add(rgba.data(), count);
+    return { RowIsOpaque(rgba.data(), count), RowIsGrey(rgba.data(), count), !palette.Full() };
+}
+
+Findings LookAtPixels(const Bitmap& picture, PaletteIndex& palette)
 {
     const auto width = static_cast<std::size_t>(picture.Width());
     Findings found;
@@ -85,63 +121,27 @@ bool PalettePays(const Form& direct, std::size_t pixels) noexcept
     return direct.BitsPerPixel() > bits && pixels * (direct.BitsPerPixel() - bits) / 8 / 3 > 24 + 4 * colours;
 }
 
-void PackRgbFrom(const std::uint8_t* rgba, std::uint8_t* row, std::size_t i, std::size_t width) noexcept
+void ChooseForm(Form& form, const Findings& found, std::size_t pixels)
 {
-    for (; i < width; ++i)
-        std::memcpy(row + 3 * i, rgba + 4 * i, 4);
-}
-
-#ifdef __x86_64__
-// Four pixels a step, where the processor can move bytes about in a register.
-[[gnu::target("avx2")]] void PackRgbAvx2(
-    const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
-{
-    using Pixels4 = std::uint8_t __attribute__((vector_size(16)));
-    std::size_t i = 0;
-    for (; i + 4 <= width; i += 4) {
-        Pixels4 pixels;
-        std::memcpy(&pixels, rgba + 4 * i, sizeof pixels);
-        pixels
-            = __builtin_shufflevector(pixels, pixels, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
-        std::memcpy(row + 3 * i, &pixels, sizeof pixels);
-    }
-    PackRgbFrom(rgba, row, i, width);
-}
-#endif
-
-void PackRgb(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
-{
-#ifdef __x86_64__
-    if (HasAvx2())
-        return PackRgbAvx2(rgba, row, width);
-#endif
-    PackRgbFrom(rgba, row, 0, width);
-}
-
-void PackGrey(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
-{
-    for (std::size_t i = 0; i < width; ++i)
-        row[i] = rgba[4 * i];
-}
-
-void PackGreyAlpha(const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
-{
-    for (std::size_t i = 0; i < width; ++i) {
-        row[2 * i] = rgba[4 * i];
-        row[2 * i + 1] = rgba[4 * i + 3];
+    form.colour = DirectColour(found);
+    if (form.colour == ColourType::Grey && found.indexed)
+        form.depth = GreyDepth(form.palette);
+    if (found.indexed && PalettePays(form, pixels)) {
+        form.colour = ColourType::Palette;
+        form.depth = DepthFor(form.palette.Size());
+        form.palette.PutTransparentFirst();
     }
 }
 
-// Closes up samples of one byte each, in place. A grey sample's upper bits tell it all.
-void Close(std::uint8_t* row, std::size_t width, unsigned depth, unsigned dropped) noexcept
+// The sample of each index that was met; `rgba` are their pixels.
+std::array<std::uint8_t, 256> SamplesOf(
+    const Form& form, std::span<const std::uint8_t> met, std::span<const std::uint8_t> rgba)
 {
-    const std::size_t inByte = 8 / depth;
-    for (std::size_t i = 0; i < width; i += inByte) {
-        unsigned byte = 0;
-        for (std::size_t k = 0; k < inByte; ++k)
-            byte = byte << depth | (i + k < width ? unsigned { row[i + k] } >> dropped : 0U);
-        row[i / inByte] = static_cast<std::uint8_t>(byte);
-    }
+    std::array<std::uint8_t, 256> row {}, samples {};
+    PackSamples(form, rgba.data(), row.data(), met.size());
+    for (std::size_t i = 0; i < met.size(); ++i)
+        samples[met[i]] = row[i];
+    return samples;
 }
 
 } // namespace
@@ -155,38 +155,17 @@ std::size_t Form::BitsPerPixel() const noexcept
 Form FormOf(const Bitmap& picture)
 {
     Form form;
-    const Findings found = Look(picture, form.palette);
-    form.colour = DirectColour(found);
-    if (form.colour == ColourType::Grey && found.indexed)
-        form.depth = GreyDepth(form.palette);
     const std::size_t pixels
         = static_cast<std::size_t>(picture.Width()) * static_cast<std::size_t>(picture.Height());
-    if (found.indexed && PalettePays(form, pixels)) {
-        form.colour = ColourType::Palette;
-        form.depth = DepthFor(form.palette.Size());
-        form.palette.PutTransparentFirst();
+    if (picture.Indices(0) == nullptr) {
+        ChooseForm(form, LookAtPixels(picture, form.palette), pixels);
+        return form;
     }
+    const std::vector<std::uint8_t> met = MetIndices(picture), rgba = PixelsOf(picture.Colours(), met);
+    ChooseForm(form, LookAtPalette(rgba, form.palette), pixels);
+    if (form.BitsPerPixel() <= 8)
+        form.samples = SamplesOf(form, met, rgba);
     return form;
-}
-
-void PackRow(const Form& form, const std::uint8_t* rgba, std::uint8_t* row, std::size_t width)
-{
-    const auto depth = static_cast<unsigned>(form.depth);
-    switch (form.colour) {
-    case ColourType::Rgba: std::memcpy(row, rgba, 4 * width); break;
-    case ColourType::Rgb: PackRgb(rgba, row, width); break;
-    case ColourType::GreyAlpha: PackGreyAlpha(rgba, row, width); break;
-    case ColourType::Grey:
-        PackGrey(rgba, row, width);
-        if (depth < 8)
-            Close(row, width, depth, 8 - depth);
-        break;
-    case ColourType::Palette:
-        form.palette.Write(rgba, row, width);
-        if (depth < 8)
-            Close(row, width, depth, 0);
-        break;
-    }
 }
 
 } // namespace veltrane::codecs::png

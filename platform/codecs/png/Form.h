@@ -1,7 +1,11 @@
 #pragma once
 
+#include <array>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <optional>
 
 #include "platform/codecs/Bitmap.h"
 #include "platform/codecs/png/Chunks.h"
@@ -14,6 +18,9 @@ struct Form {
     ColourType colour = ColourType::Rgba;
     int depth = 8;
     PaletteIndex palette;
+    /// The sample of each index that occurs, of a picture that is kept as indices and written with one byte a
+    /// pixel or less, other than a grey of 8 bits.
+    std::optional<std::array<std::uint8_t, 256>> samples;
 
     [[nodiscard]] std::size_t BitsPerPixel() const noexcept;
 
@@ -23,8 +30,5 @@ struct Form {
 
 /// Looks at every pixel, or at as many as it takes to know.
 [[nodiscard]] Form FormOf(const Bitmap& picture);
-
-/// Packs a row of `width` pixels into the form. Writes up to 8 bytes more than the row has.
-void PackRow(const Form& form, const std::uint8_t* rgba, std::uint8_t* row, std::size_t width);
 
 } // namespace veltrane::codecs::png

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/codecs/png/FilterRow.h"
+#include "platform/codecs/png/Packing.h"
 
 namespace veltrane::codecs::png {
 
@@ -33,7 +34,10 @@ StoredRows::StoredRows(const Bitmap& picture, const Form& form, const Columns& c
 
 void StoredRows::Pack(int y)
 {
-    PackRow(form, picture.Row(y) + columns.left * Bitmap::kBytesPerPixel, current.Data(), columns.width);
+    if (form.samples)
+        PackIndices(form, picture.Indices(y) + columns.left, current.Data(), columns.width);
+    else
+        PackRow(form, picture.Row(y) + columns.left * Bitmap::kBytesPerPixel, current.Data(), columns.width);
     // Filters look a little behind the row: what they see there must not depend on the processor.
     std::memset(current.Data() + rowBytes, 0, kRowMargin);
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 namespace veltrane::codecs::png {
 
@@ -22,10 +23,11 @@ Texture TextureOf(const Bitmap& picture, int from, int to)
 {
     constexpr int kRowStep = 16, kSmall = 4;
     std::size_t equal = 0, small = 0, large = 0;
+    std::vector<std::uint8_t> row(picture.Stride());
     for (int y = from; y < to; y += kRowStep) {
-        const std::uint8_t* const row = picture.Row(y);
-        for (std::size_t i = 4; i < picture.Stride(); i += 4) {
-            const int step = Step(row + i, row + i - 4);
+        picture.CopyRow(y, row.data());
+        for (std::size_t i = 4; i < row.size(); i += 4) {
+            const int step = Step(row.data() + i, row.data() + i - 4);
             equal += step == 0;
             small += step != 0 && step <= kSmall;
             large += step > kSmall;
