@@ -61,7 +61,8 @@ int Difference(const Bitmap& a, const Bitmap& b)
 std::optional<Bitmap> KeptAsIndices(const Bitmap& picture)
 {
     std::map<std::uint32_t, std::uint8_t> indices;
-    codecs::Palette palette {};
+    codecs::Palette palette;
+    palette.fill(0x400000FF); // what no pixel has must not count: seen through, and coloured
     std::vector<std::uint8_t> kept;
     for (int y = 0; y < picture.Height(); ++y) {
         for (int x = 0; x < picture.Width(); ++x) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "platform/codecs/jpeg/Jpeg.h"
 #include "platform/codecs/jpeg/SrgbProfile.h"
 #include "tests/Naming.h"
+#include "tests/Pictures.h"
 #include "tests/Pnm.h"
 
 using namespace veltrane;
@@ -149,6 +151,36 @@ TEST(JpegEncode, GreyOnlyWhereExact)
     picture.Writable()[4 * 399] = 91;
     EXPECT_EQ(Sampling(Encoded(picture, 80)), "221111") << "one pixel of colour, the last";
 }
+
+struct FewColours {
+    std::string_view name;
+    int width, height;
+    std::vector<std::array<std::uint8_t, 4>> colours;
+};
+
+const FewColours kFewColours[] = {
+    { "Coloured", 37, 21, { { 1, 2, 3, 255 }, { 200, 100, 0, 255 } } },
+    { "Grey", 37, 21, { { 9, 9, 9, 255 }, { 250, 250, 250, 255 } } },
+    { "SeenThrough", 37, 21, { { 9, 9, 9, 0 }, { 250, 0, 250, 77 }, { 0, 50, 0, 255 } } },
+    // in pieces that do not begin with the row
+    { "TablesFromASample", 700, 401, { { 90, 9, 9, 40 }, { 250, 0, 250, 255 }, { 0, 50, 0, 255 } } },
+};
+
+class JpegOfFewColours : public testing::TestWithParam<FewColours> { };
+
+TEST_P(JpegOfFewColours, IsTheSameWhenKeptAsIndices)
+{
+    const FewColours& c = GetParam();
+    Bitmap picture = Bitmap::Uninitialised(c.width, c.height);
+    std::uint8_t* out = picture.Writable();
+    const auto pixels = static_cast<std::size_t>(c.width) * static_cast<std::size_t>(c.height);
+    for (std::size_t i = 0; i < pixels; ++i)
+        out = std::ranges::copy(c.colours[i * i / 77 % c.colours.size()], out).out;
+    const std::optional<Bitmap> kept = tests::KeptAsIndices(picture);
+    ASSERT_TRUE(kept);
+    EXPECT_TRUE(Encoded(*kept, 70) == Encoded(picture, 70));
+}
+INSTANTIATE_TEST_SUITE_P(Jpeg, JpegOfFewColours, testing::ValuesIn(kFewColours), tests::kByName);
 
 TEST(JpegEncode, SaysSrgbAndNothingElse)
 {

@@ -31,9 +31,9 @@ Bitmap Bitmap::Transparent(int width, int height)
     return bitmap;
 }
 
-Bitmap Bitmap::Indexed(int width, int height, const Palette& palette)
+Bitmap Bitmap::Indexed(int width, int height, const Palette& palette, std::size_t slack)
 {
-    auto indexed = std::make_shared<IndexedBlock>(Pixels(width, height), palette);
+    auto indexed = std::make_shared<IndexedBlock>(Pixels(width, height), palette, slack);
     Bitmap bitmap(width, height, indexed);
     bitmap.indexed = indexed.get();
     return bitmap;
@@ -49,12 +49,14 @@ const std::uint8_t* Bitmap::Indices(int y) const noexcept
     return indexed == nullptr ? nullptr : indexed->Indices() + Pixels(width, y);
 }
 
-void Bitmap::CopyRow(int y, std::uint8_t* rgba) const noexcept
+void Bitmap::CopyPixels(int x, int y, int count, std::uint8_t* rgba) const noexcept
 {
+    const std::size_t first = Pixels(width, y) + static_cast<std::size_t>(x);
+    const auto pixels = static_cast<std::size_t>(count);
     if (indexed != nullptr)
-        indexed->Expand(Pixels(width, y), static_cast<std::size_t>(width), rgba);
+        Expand(indexed->Colours(), indexed->Indices() + first, pixels, rgba);
     else
-        std::memcpy(rgba, block->Data() + static_cast<std::size_t>(y) * Stride(), Stride());
+        std::memcpy(rgba, block->Data() + first * kBytesPerPixel, pixels * kBytesPerPixel);
 }
 
 std::uint8_t* Bitmap::Writable()

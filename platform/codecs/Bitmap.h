@@ -27,9 +27,9 @@ public:
     /// Raises OutOfMemoryException when the machine has not the room.
     [[nodiscard]] static Bitmap Transparent(int width, int height);
 
-    /// Pixels that are told by indices, which are not set yet: see WritableIndices.
+    /// Pixels that are told by indices, which are not set yet: see WritableIndices. `slack` as above.
     /// Raises OutOfMemoryException when the machine has not the room.
-    [[nodiscard]] static Bitmap Indexed(int width, int height, const Palette& palette);
+    [[nodiscard]] static Bitmap Indexed(int width, int height, const Palette& palette, std::size_t slack = 0);
 
     [[nodiscard]] int Width() const noexcept { return width; }
     [[nodiscard]] int Height() const noexcept { return height; }
@@ -59,7 +59,10 @@ public:
     [[nodiscard]] const Palette& Colours() const noexcept { return indexed->Colours(); }
 
     /// Copies the row `y` to Stride bytes at `rgba`, without keeping the pixels of indices.
-    void CopyRow(int y, std::uint8_t* rgba) const noexcept;
+    void CopyRow(int y, std::uint8_t* rgba) const noexcept { CopyPixels(0, y, width, rgba); }
+
+    /// The same of `count` pixels of that row, from column `x` on.
+    void CopyPixels(int x, int y, int count, std::uint8_t* rgba) const noexcept;
 
     /// All rows for writing, row 0 first. Copies the pixels first when they are shared or kept as indices;
     /// ask once, not for each row. Raises OutOfMemoryException when that copy does not fit.

@@ -10,6 +10,10 @@ namespace veltrane::codecs {
 /// A pixel for each index, as it lies in memory: straight RGBA.
 using Palette = std::array<std::uint32_t, 256>;
 
+/// The pixels of `count` indices.
+void Expand(
+    const Palette& palette, const std::uint8_t* indices, std::size_t count, std::uint8_t* rgba) noexcept;
+
 /// Owns the memory of pixels.
 class PixelBlock {
 public:
@@ -58,14 +62,11 @@ private:
 /// Pixels that are told by indices, one byte each, until somebody wants them themselves.
 class IndexedBlock final : public PixelBlock {
 public:
-    /// Raises OutOfMemoryException.
-    IndexedBlock(std::size_t pixels, const Palette& palette);
+    /// With `slack` bytes behind the indices. Raises OutOfMemoryException.
+    IndexedBlock(std::size_t pixels, const Palette& palette, std::size_t slack);
 
     [[nodiscard]] std::uint8_t* Indices() noexcept { return at; }
     [[nodiscard]] const Palette& Colours() const noexcept { return palette; }
-
-    /// The pixels of `count` indices from `first` on.
-    void Expand(std::size_t first, std::size_t count, std::uint8_t* rgba) const noexcept;
 
 private:
     void Make() override;

@@ -1,24 +1,62 @@
 #include "platform/codecs/jpeg/Pixels.h"
 
+#include <array>
 #include <cstring>
+#include <tuple>
 
 namespace veltrane::codecs::jpeg {
 
 namespace {
 
-struct Row {
-    std::uint32_t differences = 0; // bits that some pixel has in one channel and not in the next
-    std::uint32_t alpha = 0xFF; // bits that all alphas have
+// What pixels may be, as bits.
+constexpr unsigned kColoured = 1, kSeenThrough = 2;
+
+unsigned TraitsOf(const std::uint8_t* rgba, std::size_t pixels)
+{
+    std::uint32_t differences = 0, alpha = 0xFF; // bits that some have between channels, that all alphas have
+    for (const std::uint8_t* const end = rgba + 4 * pixels; rgba != end; rgba += 4) {
+        differences |= static_cast<std::uint32_t>((rgba[0] ^ rgba[1]) | (rgba[1] ^ rgba[2]));
+        alpha &= rgba[3];
+    }
+    return (differences != 0 ? kColoured : 0) | (alpha != 0xFF ? kSeenThrough : 0);
+}
+
+// Tells rows by the traits of each index.
+class Indices {
+public:
+    explicit Indices(const Bitmap& picture) : picture(picture)
+    {
+        const auto* const colours = reinterpret_cast<const std::uint8_t*>(picture.Colours().data());
+        for (std::size_t i = 0; i < traits.size(); ++i) {
+            traits[i] = static_cast<std::uint8_t>(TraitsOf(colours + Bitmap::kBytesPerPixel * i, 1));
+            possible |= traits[i];
+        }
+    }
+
+    [[nodiscard]] unsigned Possible() const noexcept { return possible; }
+    [[nodiscard]] unsigned TraitsOfRow(int y) const noexcept
+    {
+        const std::uint8_t* const row = picture.Indices(y);
+        unsigned found = 0;
+        for (std::size_t i = 0; i < static_cast<std::size_t>(picture.Width()); ++i)
+            found |= traits[row[i]];
+        return found;
+    }
+
+private:
+    const Bitmap& picture;
+    std::array<std::uint8_t, std::tuple_size_v<Palette>> traits {};
+    unsigned possible = 0;
 };
 
-Row ExamineRow(const std::uint8_t* rgba, std::size_t pixels)
+// Which of those traits some pixel has; looks no further than it takes to know.
+template<class OfRow>
+unsigned Find(unsigned wanted, int height, OfRow ofRow)
 {
-    Row row;
-    for (const std::uint8_t* const end = rgba + 4 * pixels; rgba != end; rgba += 4) {
-        row.differences |= static_cast<std::uint32_t>((rgba[0] ^ rgba[1]) | (rgba[1] ^ rgba[2]));
-        row.alpha &= rgba[3];
-    }
-    return row;
+    unsigned found = 0;
+    for (int y = 0; y < height && found != wanted; ++y)
+        found |= ofRow(y) & wanted;
+    return found;
 }
 
 using Pair = std::uint8_t __attribute__((vector_size(8))); // two pixels
@@ -41,14 +79,17 @@ inline void LayPair(const std::uint8_t* rgba, std::uint8_t* opaque, std::size_t 
 
 Content Examine(const Bitmap& picture)
 {
-    Content content { true, true };
-    for (int y = 0; y < picture.Height() && (content.grey || (content.opaque && !picture.Opaque())); ++y) {
-        const Row row = ExamineRow(picture.Row(y), static_cast<std::size_t>(picture.Width()));
-        content.grey = content.grey && row.differences == 0;
-        content.opaque = content.opaque && row.alpha == 0xFF;
+    const unsigned wanted = picture.Opaque() ? kColoured : kColoured | kSeenThrough;
+    unsigned found = 0;
+    if (picture.Indices(0) != nullptr) {
+        const Indices indices(picture);
+        found = Find(
+            wanted & indices.Possible(), picture.Height(), [&](int y) { return indices.TraitsOfRow(y); });
+    } else {
+        const auto width = static_cast<std::size_t>(picture.Width());
+        found = Find(wanted, picture.Height(), [&](int y) { return TraitsOf(picture.Row(y), width); });
     }
-    content.opaque = content.opaque || picture.Opaque();
-    return content;
+    return { (found & kSeenThrough) == 0, (found & kColoured) == 0 };
 }
 
 void LayOnWhite(const std::uint8_t* rgba, std::uint8_t* opaque, std::size_t pixels)

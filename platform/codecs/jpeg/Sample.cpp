@@ -9,7 +9,6 @@
 
 #include <jpeglib.h>
 
-#include "platform/codecs/jpeg/Pixels.h"
 #include "platform/codecs/jpeg/Trap.h"
 
 namespace veltrane::codecs::jpeg {
@@ -32,29 +31,31 @@ struct Memory final : Sink {
 // Where the pieces lie: evenly from top to bottom; across by steps of the golden ratio, which never line up.
 struct Pieces {
     int width, count;
-    const Bitmap& picture;
 
-    explicit Pieces(const Bitmap& picture)
-        : width(std::min(picture.Width() / kUnit * kUnit, kPieceWidth)), picture(picture)
+    Pieces(const OnWhite& picture, const Form& whole)
+        : width(std::min(whole.width / kUnit * kUnit, kPieceWidth)), picture(picture), whole(whole)
     {
         constexpr std::int64_t kShare = 48; // one pixel in so many; measured
         constexpr std::int64_t kFewest = 1 << 17; // but not fewer
-        const std::int64_t pixels = std::int64_t { picture.Width() } * picture.Height();
+        const std::int64_t pixels = std::int64_t { whole.width } * whole.height;
         const std::int64_t wanted = std::max(pixels / kShare, kFewest);
         const std::int64_t pieces = wanted / (std::int64_t { width } * kUnit);
         count = static_cast<int>(std::min<std::int64_t>(pieces, kMostPieces));
     }
 
-    [[nodiscard]] const std::uint8_t* Row(int piece, int row) const
+    void CopyRow(int piece, int row, std::uint8_t* rgba) const
     {
         constexpr double kGolden = 0.6180339887498949;
         const double turns = piece * kGolden;
-        const int places = (picture.Width() - width) / kUnit + 1;
+        const int places = (whole.width - width) / kUnit + 1;
         const int across = static_cast<int>((turns - std::floor(turns)) * places);
-        const std::int64_t down = std::int64_t { piece } * (picture.Height() / kUnit) / count;
-        return picture.Row(static_cast<int>(down) * kUnit + row)
-            + static_cast<std::size_t>(across * kUnit) * Bitmap::kBytesPerPixel;
+        const std::int64_t down = std::int64_t { piece } * (whole.height / kUnit) / count;
+        picture.Copy(across * kUnit, static_cast<int>(down) * kUnit + row, width, rgba);
     }
+
+private:
+    const OnWhite& picture;
+    const Form& whole;
 };
 
 // The pieces below each other, coded as the picture will be, but with whatever tables.
@@ -68,7 +69,7 @@ Memory CodedPieces(const Pieces& pieces, Form form)
     Writer writer(form, coded);
     std::vector<std::uint8_t> row(static_cast<std::size_t>(pieces.width) * Bitmap::kBytesPerPixel);
     for (int y = 0; y < form.height; ++y) {
-        LayOnWhite(pieces.Row(y / kUnit, y % kUnit), row.data(), static_cast<std::size_t>(pieces.width));
+        pieces.CopyRow(y / kUnit, y % kUnit, row.data());
         writer.Rows(row.data(), row.size(), 1);
     }
     writer.Finish();
@@ -131,12 +132,12 @@ void Coefficients::Count(int component, Counts& counts)
 
 } // namespace
 
-std::optional<Tables> SampledTables(const Bitmap& picture, const Form& form)
+std::optional<Tables> SampledTables(const OnWhite& picture, const Form& form)
 {
-    const bool narrow = picture.Width() < kUnit || picture.Height() < kUnit;
-    if (narrow || std::int64_t { picture.Width() } * picture.Height() <= kSmall)
+    const bool narrow = form.width < kUnit || form.height < kUnit;
+    if (narrow || std::int64_t { form.width } * form.height <= kSmall)
         return std::nullopt;
-    const Memory coded = CodedPieces(Pieces(picture), form);
+    const Memory coded = CodedPieces(Pieces(picture, form), form);
     Coefficients coefficients(coded.bytes);
     std::array<Counts, 2> counts;
     for (int i = 0; i < coefficients.Components(); ++i)

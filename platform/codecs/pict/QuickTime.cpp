@@ -64,7 +64,7 @@ void SkipMatte(ByteReader& in)
 // The rows of a still on white: a picture's paper, and what shows through where the still is transparent.
 void FlattenRow(const Bitmap& bitmap, int y, std::vector<Rgba>& row)
 {
-    std::memcpy(row.data(), bitmap.Row(y), bitmap.Stride());
+    bitmap.CopyRow(y, reinterpret_cast<std::uint8_t*>(row.data()));
     if (bitmap.Opaque())
         return;
     for (Rgba& pixel : row) {

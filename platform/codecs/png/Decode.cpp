@@ -80,11 +80,15 @@ std::size_t PixelBytes(const Header& header)
     return size.width * size.height * Bitmap::kBytesPerPixel;
 }
 
-// Filter bytes may make the stored rows a little larger than the pixels.
+// Filter bytes may make the stored rows a little larger than what is made of them.
+std::size_t Excess(std::size_t stored, std::size_t made)
+{
+    return stored > made ? stored - made : 0;
+}
+
 std::size_t Slack(const Header& header)
 {
-    const std::size_t stored = StoredBytes(header), pixels = PixelBytes(header);
-    return FitsBesidePixels(header) && stored > pixels ? stored - pixels : 0;
+    return FitsBesidePixels(header) ? Excess(StoredBytes(header), PixelBytes(header)) : 0;
 }
 
 // Some writers put the mark in front by which JPEG files tell such blocks.
@@ -159,7 +163,15 @@ public:
     {
     }
 
+    /// As indices where the file has them and nobody will turn the picture.
     Bitmap Read(Bytes file)
+    {
+        const bool turned = OrientationOf(chunks) != Orientation::TopLeft;
+        return reader.HasIndices() && !header.interlaced && !turned ? ReadIndices(file) : ReadPixels(file);
+    }
+
+private:
+    Bitmap ReadPixels(Bytes file)
     {
         const std::size_t stored = StoredBytes(header), pixelBytes = PixelBytes(header);
         Bitmap picture = Bitmap::Uninitialised(
@@ -180,7 +192,39 @@ public:
         return picture;
     }
 
-private:
+    // An index is stored in at most the byte it takes in memory, so that the rows are inflated into the end
+    // of the indices' block.
+    Bitmap ReadIndices(Bytes file)
+    {
+        const Size size = SizeOf(header);
+        const std::size_t stored = StoredBytes(header), count = size.width * size.height;
+        Bitmap picture = Bitmap::Indexed(static_cast<int>(header.width), static_cast<int>(header.height),
+            reader.Colours(), Excess(stored, count));
+        std::uint8_t* const indices = picture.WritableIndices();
+        std::uint8_t* const rows = indices + std::max(count, stored) - stored;
+        InflateInto({ rows, stored }, file, chunks);
+        Begin(size.width);
+        for (std::size_t y = 0; y < size.height; ++y)
+            ReadIndexRow(rows + y * (1 + rowBytes), indices + y * size.width, size.width, y > 0);
+        picture.Opaque(reader.Opaque());
+        return picture;
+    }
+
+    // Those of a byte are made where they stay, below the row that they were predicted by.
+    void ReadIndexRow(const std::uint8_t* stored, std::uint8_t* indices, std::size_t width, bool below)
+    {
+        if (header.depth == 8) {
+            CheckFilter(*stored);
+            const auto filter = static_cast<Filter>(*stored);
+            std::memmove(indices, stored + 1, rowBytes);
+            Unfilter(filter, indices, below ? indices - width : before.data(), rowBytes, step);
+            reader.TakeIndices(indices, indices, width);
+            return;
+        }
+        UnfilterRow(stored);
+        reader.TakeIndices(before.data(), indices, width);
+    }
+
     void ReadPasses(const std::uint8_t* rows, std::uint8_t* pixels)
     {
         for (const Pass& pass : kAdam7) {
@@ -257,11 +301,16 @@ private:
 
     void ReadRow(const std::uint8_t* stored, std::uint8_t* rgba, std::size_t width)
     {
+        UnfilterRow(stored);
+        reader.Expand(before.data(), rgba, width);
+    }
+
+    // The row lies in `before` then, where the next one looks for it.
+    void UnfilterRow(const std::uint8_t* stored)
+    {
         CheckFilter(*stored);
-        const auto filter = static_cast<Filter>(*stored);
         std::memcpy(current.data(), stored + 1, rowBytes);
-        Unfilter(filter, current.data(), before.data(), rowBytes, step);
-        reader.Expand(current.data(), rgba, width);
+        Unfilter(static_cast<Filter>(*stored), current.data(), before.data(), rowBytes, step);
         std::swap(current, before);
     }
 

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <array>
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <optional>
 
 #include "platform/codecs/Bitmap.h"

@@ -36,6 +36,22 @@ std::optional<std::array<std::uint16_t, 3>> KeyOf(const Chunks& chunks)
     return key;
 }
 
+// Samples of less than a byte, the leftmost in the upper bits, as bytes. Source: PNG 3rd ed., 7.2.
+void Unpack(const std::uint8_t* row, std::size_t depth, std::uint8_t* samples, std::size_t count) noexcept
+{
+    const std::size_t inByte = 8 / depth;
+    const unsigned mask = (1U << depth) - 1;
+    std::size_t i = 0;
+    for (; i + inByte <= count; i += inByte, ++row) {
+        for (std::size_t k = 0; k < inByte; ++k)
+            samples[i + k] = static_cast<std::uint8_t>(*row >> (8 - depth * (k + 1)) & mask);
+    }
+    for (std::size_t shift = 8; i < count; ++i) {
+        shift -= depth;
+        samples[i] = static_cast<std::uint8_t>(*row >> shift & mask);
+    }
+}
+
 std::uint8_t To8(unsigned sample) noexcept
 {
     return static_cast<std::uint8_t>((sample * 255 + 32767) / 65535);
@@ -92,7 +108,7 @@ void RowReader::Expand(const std::uint8_t* row, std::uint8_t* rgba, std::size_t 
         return Expand16(row, rgba, pixels);
     switch (header.colour) {
     case ColourType::Grey:
-    case ColourType::Palette: ExpandIndexed(row, rgba, pixels); break;
+    case ColourType::Palette: return ExpandIndexed(row, rgba, pixels);
     case ColourType::GreyAlpha: ExpandGreyAlpha(row, rgba, pixels); break;
     case ColourType::Rgb:
         for (std::size_t i = 0; i < pixels; ++i) {
@@ -119,19 +135,29 @@ void RowReader::Finish(std::uint8_t* rgba, std::size_t pixels)
     NoteAlpha(rgba, pixels);
 }
 
-void RowReader::ExpandIndexed(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels) const
+bool RowReader::HasIndices() const noexcept
 {
-    const auto depth = static_cast<std::size_t>(chunks.header.depth);
-    if (depth == 8) {
-        for (std::size_t i = 0; i < pixels; ++i)
-            std::memcpy(rgba + 4 * i, table[row[i]].data(), 4);
-        return;
-    }
-    const std::size_t inByte = 8 / depth, mask = (std::size_t { 1 } << depth) - 1;
-    for (std::size_t i = 0; i < pixels; ++i) {
-        const std::size_t shift = (inByte - 1 - i % inByte) * depth;
-        std::memcpy(rgba + 4 * i, table[std::size_t { row[i / inByte] } >> shift & mask].data(), 4);
-    }
+    const Header& header = chunks.header;
+    return header.depth <= 8 && (header.colour == ColourType::Grey || header.colour == ColourType::Palette);
+}
+
+void RowReader::TakeIndices(const std::uint8_t* row, std::uint8_t* indices, std::size_t pixels)
+{
+    if (chunks.header.depth < 8)
+        Unpack(row, static_cast<std::size_t>(chunks.header.depth), indices, pixels);
+    else if (row != indices)
+        std::memcpy(indices, row, pixels);
+    std::uint8_t least = leastAlpha;
+    for (std::size_t i = 0; MayBeTransparent() && i < pixels; ++i)
+        least = std::min(least, table[indices[i]][3]);
+    leastAlpha = least;
+}
+
+void RowReader::ExpandIndexed(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels)
+{
+    unpacked.resize(pixels);
+    TakeIndices(row, unpacked.data(), pixels);
+    codecs::Expand(Colours(), unpacked.data(), pixels, rgba);
 }
 
 void RowReader::ExpandGreyAlpha(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels) const
@@ -183,9 +209,14 @@ void RowReader::Expand16(const std::uint8_t* row, std::uint8_t* rgba, std::size_
     NoteAlpha(rgba, pixels);
 }
 
+bool RowReader::MayBeTransparent() const noexcept
+{
+    return HasAlpha(chunks.header.colour) || !chunks.transparency.empty();
+}
+
 void RowReader::NoteAlpha(const std::uint8_t* rgba, std::size_t pixels)
 {
-    if (!HasAlpha(chunks.header.colour) && chunks.transparency.empty())
+    if (!MayBeTransparent())
         return;
     std::uint8_t least = leastAlpha;
     for (std::size_t i = 0; i < pixels; ++i)

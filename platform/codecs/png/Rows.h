@@ -1,11 +1,13 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
 
+#include "platform/codecs/PixelBlock.h"
 #include "platform/codecs/png/Chunks.h"
 #include "platform/codecs/png/PngColour.h"
 
@@ -21,7 +23,18 @@ public:
     /// Expands `pixels` samples as they lie in the file.
     void Expand(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels);
 
-    /// The same for samples of 8 bits that lie there as RGBA already, alpha 255 where the file has none.
+    /// Whether samples are indices into Colours: of a palette, or greys of at most 8 bits.
+    [[nodiscard]] bool HasIndices() const noexcept;
+
+    /// The pixel of each index.
+    [[nodiscard]] Palette Colours() const noexcept { return std::bit_cast<Palette>(table); }
+
+    /// Takes `pixels` indices as they lie in the file, to one byte each. Those of a byte may lie there
+    /// already.
+    void TakeIndices(const std::uint8_t* row, std::uint8_t* indices, std::size_t pixels);
+
+    /// The same as Expand for samples of 8 bits that lie there as RGBA already, alpha 255 where the file has
+    /// none.
     void Finish(std::uint8_t* rgba, std::size_t pixels);
 
     /// Whether Finish changes colours, so that the row must not serve as a prediction any more.
@@ -35,18 +48,20 @@ private:
 
     void FillGreys();
     void FillPalette();
-    void ExpandIndexed(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels) const;
+    void ExpandIndexed(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels);
     void ExpandGreyAlpha(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels) const;
     void Expand16(const std::uint8_t* row, std::uint8_t* rgba, std::size_t pixels);
     void Read16(const std::uint8_t* row, std::size_t pixels);
     void Reduce16(std::uint8_t* rgba, std::size_t pixels) const;
     void NoteAlpha(const std::uint8_t* rgba, std::size_t pixels);
+    [[nodiscard]] bool MayBeTransparent() const noexcept;
 
     const Chunks& chunks;
     Transforms colours;
     std::optional<std::array<std::uint16_t, 3>> key; ///< the transparent colour, as stored
     Table table {}; ///< a grey or an index to its pixel
     std::vector<std::uint16_t> wide; ///< a row of Rgba16
+    std::vector<std::uint8_t> unpacked; ///< a row of indices
     std::uint8_t leastAlpha = 255;
 };
 

@@ -109,6 +109,14 @@ for w, h, interlace in ((1, 1, 1), (2, 9, 0), (3, 9, 0), (1, 9, 0), (5, 3, 1), (
              [header(w, h, 8, colour, interlace), data(stored(samples, w, h, 8, colour, interlace, filters)), END],
              seen(samples, 8, colour))
 
+# Indices of which a row takes fewer bytes than stored, or as many.
+for depth in (1, 4, 8):
+    for w, h in ((1, 9), (2, 1)):
+        samples = noise(w, h, depth, GREY)
+        good('narrow-grey%d-%dx%d' % (depth, w, h),
+             [header(w, h, depth, GREY), data(stored(samples, w, h, depth, GREY, 0, (4, 3, 1, 2, 4, 0, 4))), END],
+             seen(samples, depth, GREY))
+
 # A transparent colour, and a palette whose first entries have alphas.
 for colour, depth in ((GREY, 1), (GREY, 8), (GREY, 16), (RGB, 8), (RGB, 16)):
     samples = noise(9, 7, depth, colour)
