@@ -1,5 +1,5 @@
-// Loaded before the program (LD_PRELOAD): adds a line to the file $COUNT_DECODES for each JPEG decode that
-// begins.
+// Loaded before the program (LD_PRELOAD): adds a line to the file $COUNT_DECODES for each decode that the
+// JPEG library begins.
 
 #include <dlfcn.h>
 

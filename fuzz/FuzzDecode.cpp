@@ -3,9 +3,11 @@
 #include CODEC_HEADER
 
 #include <algorithm>
+#include <cstring>
 
 #include "platform/Exceptions.h"
 #include "platform/codecs/Codec.h"
+#include "platform/codecs/Processor.h"
 
 using namespace veltrane;
 
@@ -21,6 +23,18 @@ public:
 // Below what the fuzzer itself may use, so that an allocation past the limits shows.
 constexpr codecs::Limits kSmall { .maxSide = 2048, .maxBytes = 40 << 20 };
 
+/// The paths for new processors and for old ones must make the same pixels.
+void CompareWithOldProcessors(codecs::Bytes file, const codecs::Bitmap& picture)
+{
+    const codecs::OldProcessor old;
+    const codecs::Bitmap other = codecs::CODEC.decode(file, kSmall);
+    if (other.Width() != picture.Width() || other.Height() != picture.Height())
+        __builtin_trap();
+    for (int y = 0; y < picture.Height(); ++y)
+        if (std::memcmp(picture.Row(y), other.Row(y), picture.Stride()) != 0)
+            __builtin_trap();
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -32,6 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const codecs::Info info = codecs::CODEC.readInfo(file, kSmall);
         if (info.width != picture.Width() || info.height != picture.Height())
             __builtin_trap(); // the two readers must agree
+        CompareWithOldProcessors(file, picture);
         if (codecs::CODEC.encode != nullptr) {
             Nowhere sink;
             codecs::CODEC.encode(picture, 80, sink);

@@ -166,7 +166,7 @@ TEST_P(Scaler, IsTheSameOfIndices)
     Bitmap direct = Noise(row);
     std::uint8_t* const pixels = direct.Writable();
     for (std::size_t i = 0; i < direct.Stride() * static_cast<std::size_t>(row.height); ++i)
-        pixels[i] |= i % 4 == 3 ? 0x7F : 0xDB;
+        pixels[i] = static_cast<std::uint8_t>(pixels[i] | (i % 4 == 3 ? 0x7F : 0xDB));
     const std::optional<Bitmap> kept = tests::KeptAsIndices(direct);
     ASSERT_TRUE(kept);
     const std::size_t stride = static_cast<std::size_t>(row.targetWidth) * 4;

@@ -11,6 +11,7 @@
 #include "platform/codecs/Orientation.h"
 #include "platform/codecs/jpeg/Scans.h"
 #include "platform/codecs/jpeg/Trap.h"
+#include "platform/codecs/jpeg/baseline/Decoder.h"
 
 namespace veltrane::codecs::jpeg {
 
@@ -20,6 +21,9 @@ struct Reader::Library {
     Scans scans;
     jpeg_progress_mgr progress {};
     jpeg_decompress_struct jpeg {};
+    Layout layout = Layout::Rgba;
+    std::unique_ptr<baseline::Decoder> ours; // for as long as it can go on
+    int given = 0; // rows
 
     Library();
     ~Library() { jpeg_destroy_decompress(&jpeg); }
@@ -33,6 +37,9 @@ struct Reader::Library {
 
     void ReadHeader(Bytes file);
     void CheckSize(const Limits& limits) const;
+    void Start();
+    void GoTo(int row, std::uint8_t* anyRow);
+    [[nodiscard]] int Rows(std::uint8_t* target, std::size_t stride, int most);
 };
 
 namespace {
@@ -148,32 +155,61 @@ const Metadata& Reader::Segments() const noexcept
     return library->metadata;
 }
 
-void Reader::Start(Layout layout)
+void Reader::Library::Start()
 {
-    Library& l = *library;
-    l.trap.Run([&l, layout] {
-        l.jpeg.out_color_space = ColourSpace(layout);
-        jpeg_start_decompress(&l.jpeg);
-        const bool severalScans = jpeg_has_multiple_scans(&l.jpeg) != 0;
-        if (severalScans && !l.scans.Complete(l.jpeg, l.trap.SawEnd()))
-            l.trap.LeaveDamaged();
+    trap.Run([this] {
+        jpeg.out_color_space = ColourSpace(layout);
+        jpeg_start_decompress(&jpeg);
+        const bool severalScans = jpeg_has_multiple_scans(&jpeg) != 0;
+        if (severalScans && !scans.Complete(jpeg, trap.SawEnd()))
+            trap.LeaveDamaged();
     });
 }
 
-int Reader::Rows(std::uint8_t* target, std::size_t stride, int most)
+int Reader::Library::Rows(std::uint8_t* target, std::size_t stride, int most)
 {
     constexpr int kAtOnce = 16; // more than the library has ready at a time
     std::array<std::uint8_t*, kAtOnce> rows {};
     const int count = std::min(most, kAtOnce);
     for (int i = 0; i < count; ++i)
         rows[static_cast<std::size_t>(i)] = target + static_cast<std::size_t>(i) * stride;
-    Library& l = *library;
-    const JDIMENSION before = l.jpeg.output_scanline;
-    l.trap.Run([&l, &rows, count] {
-        if (jpeg_read_scanlines(&l.jpeg, rows.data(), static_cast<JDIMENSION>(count)) == 0)
-            l.trap.LeaveDamaged(); // the library waits for data that cannot come
+    const JDIMENSION before = jpeg.output_scanline;
+    trap.Run([this, &rows, count] {
+        if (jpeg_read_scanlines(&jpeg, rows.data(), static_cast<JDIMENSION>(count)) == 0)
+            trap.LeaveDamaged(); // the library waits for data that cannot come
     });
-    return static_cast<int>(l.jpeg.output_scanline - before);
+    return static_cast<int>(jpeg.output_scanline - before);
+}
+
+// What is above has been given already, so that it may be written to the same row again and again.
+void Reader::Library::GoTo(int row, std::uint8_t* anyRow)
+{
+    while (row > 0)
+        row -= Rows(anyRow, 0, row);
+}
+
+void Reader::Start(Layout layout)
+{
+    library->layout = layout;
+    if (layout == Layout::Rgba)
+        library->ours = baseline::Decoder::For(library->jpeg);
+    if (!library->ours)
+        library->Start();
+}
+
+int Reader::Rows(std::uint8_t* target, std::size_t stride, int most)
+{
+    Library& l = *library;
+    int count = l.ours ? l.ours->Rows(target, stride, most) : 0;
+    if (l.ours && count == 0) {
+        l.ours.reset();
+        l.Start();
+        l.GoTo(l.given, target);
+    }
+    if (count == 0)
+        count = l.Rows(target, stride, most);
+    l.given += count;
+    return count;
 }
 
 } // namespace veltrane::codecs::jpeg

@@ -24,6 +24,7 @@ make progressive -sample 1x1 -progressive
 make arithmetic -sample 1x1 -arithmetic
 make arithmetic-progressive -sample 1x1 -arithmetic -progressive
 make restart -sample 1x1 -restart 3B -optimize
+make restart-420 -sample 2x2 -restart 1B -optimize
 make rgb -rgb -optimize
 printf '0;\n1;\n2;\n' > "$scratch/scans"
 make scan-each -sample 1x1 -scans "$scratch/scans" -optimize
