@@ -47,7 +47,7 @@ FOR_AVX2 Words Spread(__m256i left, __m256i here, __m256i right)
 }
 
 // Three parts of the nearer row and one of the other.
-FOR_AVX2 __m256i Column(const ChromaRow& row, std::size_t sample)
+FOR_AVX2 __m256i Column(const ChromaRow& row, std::ptrdiff_t sample)
 {
     return _mm256_add_epi16(Thrice(Widened(row.near + sample)), Widened(row.far + sample));
 }
@@ -63,7 +63,7 @@ FOR_AVX2 Words ChromaAt(const ChromaRow& row, std::size_t pixel)
         const std::uint8_t* const near = row.near + pixel / 2;
         words = Spread<2, 1, 2>(Widened(near - 1), Widened(near), Widened(near + 1));
     } else {
-        const std::size_t sample = pixel / 2;
+        const auto sample = static_cast<std::ptrdiff_t>(pixel / 2);
         words = Spread<4, 8, 7>(Column(row, sample - 1), Column(row, sample), Column(row, sample + 1));
     }
     const __m256i middle = _mm256_set1_epi16(128);
