@@ -59,13 +59,10 @@ void EntropyBytes::TakeIn()
             ended = at == scan.size();
             continue;
         }
-        std::size_t behind = at + 1; // marks may be repeated: T.81, B.1.1.2
-        while (behind < scan.size() && scan[behind] == kMark)
-            ++behind;
-        ended = behind == scan.size() || scan[behind] != 0;
+        ended = at + 1 == scan.size() || scan[at + 1] != 0;
         if (!ended) {
             *end++ = kMark;
-            at = behind + 1;
+            at += 2;
         }
     }
     if (ended)
@@ -84,7 +81,7 @@ bool EntropyBytes::PassRestart(Bits bits, unsigned number)
     const auto whole = static_cast<std::ptrdiff_t>(bits.count / 8); // bytes that nobody has asked for
     if (!More(bits) || !ended || bits.next - whole != end)
         return false;
-    while (at < scan.size() && scan[at] == kMark)
+    while (at < scan.size() && scan[at] == kMark) // marks may be repeated: T.81, B.1.1.2
         ++at;
     return at < scan.size() && scan[at++] == kRestart0 + number;
 }
