@@ -38,7 +38,7 @@ struct Reader::Library {
     void ReadHeader(Bytes file);
     void CheckSize(const Limits& limits) const;
     void Start();
-    void GoTo(int row, std::uint8_t* anyRow);
+    void TakeOver(std::uint8_t* anyRow);
     [[nodiscard]] int Rows(std::uint8_t* target, std::size_t stride, int most);
 };
 
@@ -181,11 +181,13 @@ int Reader::Library::Rows(std::uint8_t* target, std::size_t stride, int most)
     return static_cast<int>(jpeg.output_scanline - before);
 }
 
-// What is above has been given already, so that it may be written to the same row again and again.
-void Reader::Library::GoTo(int row, std::uint8_t* anyRow)
+// The rows above have been given already, so they may all be written to the same place.
+void Reader::Library::TakeOver(std::uint8_t* anyRow)
 {
-    while (row > 0)
-        row -= Rows(anyRow, 0, row);
+    ours.reset();
+    Start();
+    for (int left = given; left > 0;)
+        left -= Rows(anyRow, 0, left);
 }
 
 void Reader::Start(Layout layout)
@@ -201,13 +203,11 @@ int Reader::Rows(std::uint8_t* target, std::size_t stride, int most)
 {
     Library& l = *library;
     int count = l.ours ? l.ours->Rows(target, stride, most) : 0;
-    if (l.ours && count == 0) {
-        l.ours.reset();
-        l.Start();
-        l.GoTo(l.given, target);
-    }
-    if (count == 0)
+    if (count == 0) {
+        if (l.ours)
+            l.TakeOver(target);
         count = l.Rows(target, stride, most);
+    }
     l.given += count;
     return count;
 }
