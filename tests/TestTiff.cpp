@@ -32,6 +32,8 @@ constexpr TiffCase kTiffs[] = {
     { "plain-lsb", "scene" },
     { "lzw-predictor", "scene" },
     { "lzw-lsb", "scene" },
+    { "lzw-repeats", "repeats" },
+    { "lzw-tiles-planes", "repeats" },
     { "deflate-tiles-planes", "scene" },
     { "deflate", "deflate" },
     { "packbits-planes", "scene" },

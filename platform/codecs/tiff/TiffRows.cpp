@@ -7,6 +7,7 @@
 
 #include "platform/Exceptions.h"
 #include "platform/codecs/tiff/TiffJbig.h"
+#include "platform/codecs/tiff/TiffLzw.h"
 
 namespace veltrane::codecs {
 
@@ -59,6 +60,19 @@ bool LiesPlain(TIFF* file, const TiffPage& page)
         && !(wide && TIFFIsByteSwapped(file) != 0);
 }
 
+std::uint16_t Predictor(TIFF* file)
+{
+    std::uint16_t predictor = PREDICTOR_NONE;
+    return TIFFGetFieldDefaulted(file, TIFFTAG_PREDICTOR, &predictor) != 0 ? predictor : PREDICTOR_NONE;
+}
+
+// Whether strips and tiles are of LZW data that TiffLzw can be tried on.
+bool MayUnpackLzw(TIFF* file, const TiffPage& page)
+{
+    return page.compression == COMPRESSION_LZW && page.bits == 8 && FillOrder(file) == FILLORDER_MSB2LSB
+        && Predictor(file) <= PREDICTOR_HORIZONTAL;
+}
+
 // Whether strips are decoded a row at a time rather than whole: large ones, so that no second full-size
 // buffer is needed, but not those of Deflate, whose checksum stands at their end and which the library
 // inflates twice as fast in one go, nor JBIG, which knows no rows; and fax ones, whose decoder passes over
@@ -86,10 +100,11 @@ public:
         , planes(wanted.size())
         , plain(LiesPlain(tiff, page))
         , byRows(!plain && GoesByRows(page, grid))
+        , lzw(!byRows && MayUnpackLzw(tiff, page) ? std::make_unique<TiffLzw>() : nullptr)
     {
         if (!plain)
             buffer = std::make_unique_for_overwrite<std::uint8_t[]>(
-                byRows ? grid.rowBytes : grid.Bytes() * planes.size());
+                (byRows ? grid.rowBytes : grid.Bytes() * planes.size()) + TiffLzw::kSlack);
     }
 
     void Run()
@@ -129,11 +144,28 @@ private:
         if (page.compression == COMPRESSION_JBIG)
             CheckJbig(index, y);
         std::uint8_t* const to = buffer.get() + grid.Bytes() * plane;
+        if (lzw && UnpackLzw(index, { to, bytes }))
+            return to;
         const auto size = static_cast<tmsize_t>(bytes);
         const tmsize_t got = page.tiled ? TIFFReadEncodedTile(tiff, index, to, size)
                                         : TIFFReadEncodedStrip(tiff, index, to, size);
         file.CheckPixels(got == size);
         return to;
+    }
+
+    // False when the library has to say what is wrong with the data, or make something of it.
+    [[nodiscard]] bool UnpackLzw(std::uint32_t index, std::span<std::uint8_t> to)
+    {
+        const std::uint64_t offset = TIFFGetStrileOffset(tiff, index),
+                            size = TIFFGetStrileByteCount(tiff, index);
+        const Bytes contents = file.Contents();
+        if (offset > contents.size() || size > contents.size() - offset
+            || !lzw->Unpack(contents.subspan(offset, size), to))
+            return false;
+        if (Predictor(tiff) == PREDICTOR_HORIZONTAL)
+            for (std::size_t row = 0; row < to.size(); row += grid.rowBytes)
+                AddDifferences(to.data() + row, grid.rowBytes, page.planar ? 1 : page.samples);
+        return true;
     }
 
     void CheckJbig(std::uint32_t index, std::int64_t y) const
@@ -189,6 +221,7 @@ private:
     std::vector<const std::uint8_t*> planes;
     bool plain;
     bool byRows;
+    std::unique_ptr<TiffLzw> lzw; // none when the library unpacks
     std::unique_ptr<std::uint8_t[]> buffer;
 };
 

@@ -109,6 +109,20 @@ def sources():
               7: [r[::-1] for r in list(zip(*rows))[::-1]], 8: list(zip(*rows))[::-1]}
     for orientation, picture in turned.items():
         pam(f"orientation-{orientation}", picture)
+    pam("repeats", repeats())
+
+
+def repeats():
+    """One colour, whose strings grow long; noise, which fills the table of codes; and steps."""
+    state, rows = 1, []
+    for y in range(48):
+        rows.append([])
+        for x in range(64):
+            state = (state * 1664525 + 1013904223) % 2**32
+            noise = tuple(state >> shift & 255 for shift in (8, 16, 24))
+            colour = (250, 10, 30) if y < 14 else noise if y < 40 else (x, y, x // 8)
+            rows[-1].append(colour + (255,))
+    return rows
 
 
 # ---- Samples of every size

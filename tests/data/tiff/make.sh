@@ -14,6 +14,10 @@ tiffcp -c none -8 -B -p separate plain.tif bigtiff-planes.tif
 tiffcp -c none -t -w 16 -l 16 plain.tif tiles.tif
 tiffcp -c lzw:2 -r 5 plain.tif lzw-predictor.tif
 tiffcp -c lzw -f lsb2msb plain.tif lzw-lsb.tif
+convert repeats.pam -alpha off -compress none repeats.tif
+tiffcp -c lzw:1 -r 48 repeats.tif lzw-repeats.tif
+tiffcp -c lzw:2 -t -w 32 -l 32 -p separate repeats.tif lzw-tiles-planes.tif
+rm repeats.tif
 tiffcp -c none -f lsb2msb plain.tif plain-lsb.tif
 tiffcp -c zip:2 -t -w 16 -l 16 -p separate plain.tif deflate-tiles-planes.tif
 tiffcp -c packbits -p separate plain.tif packbits-planes.tif
