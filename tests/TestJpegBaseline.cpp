@@ -175,7 +175,9 @@ INSTANTIATE_TEST_SUITE_P(Jpeg, PlainJpeg, testing::ValuesIn(kPlain), kByFile);
 // What the library takes a short cut for: even areas, and rows that are all alike.
 constexpr Drawn kSteep[] = {
     { "EvenAreas", 40, 40, 100, -1 },
+    { "EvenAreasJustTooFar", 40, 40, 30, -1 },
     { "RowsAlikeWithFewCoefficients", 40, 1, 100, 0 },
+    { "RowsAlikeJustTooFar", 40, 1, 30, 255 },
     { "RowsAlikeWithManyCoefficients", 40, 1, 100, 255 },
     { "ManyCoefficients", 40, 40, 100, 255 },
 };

@@ -32,6 +32,7 @@ constexpr TiffCase kTiffs[] = {
     { "plain-lsb", "scene" },
     { "lzw-predictor", "scene" },
     { "lzw-lsb", "scene" },
+    { "lzw-16-bits", "scene" },
     { "lzw-repeats", "repeats" },
     { "lzw-tiles-planes", "repeats" },
     { "deflate-tiles-planes", "scene" },

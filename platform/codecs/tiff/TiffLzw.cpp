@@ -82,8 +82,6 @@ private:
 
 bool TiffLzw::Unpack(Bytes packed, std::span<std::uint8_t> to)
 {
-    if (packed.size() < 2 || (packed[0] == 0 && packed[1] % 2 == 1))
-        return false;
     for (unsigned code = 0; code < kClear; ++code) {
         starts[code] = kBytes.data() + code;
         lengths[code] = 1;
@@ -91,7 +89,8 @@ bool TiffLzw::Unpack(Bytes packed, std::span<std::uint8_t> to)
     Reader reader(packed);
     std::uint8_t* at = to.data();
     std::uint8_t* const end = at + to.size();
-    unsigned width = kFirstBits, next = kCodes; // full, so that nothing can come before the first clear code
+    // Full, so that nothing can come before the first clear code. Data of the old kind never begins with one.
+    unsigned width = kFirstBits, next = kCodes;
     std::size_t last = 0; // length of the string before
     while (at < end) {
         unsigned code = reader.Take(width);

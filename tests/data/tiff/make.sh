@@ -14,6 +14,9 @@ tiffcp -c none -8 -B -p separate plain.tif bigtiff-planes.tif
 tiffcp -c none -t -w 16 -l 16 plain.tif tiles.tif
 tiffcp -c lzw:2 -r 5 plain.tif lzw-predictor.tif
 tiffcp -c lzw -f lsb2msb plain.tif lzw-lsb.tif
+convert scene.pam -depth 16 -compress none wide.tif
+tiffcp -B -c lzw:2 wide.tif lzw-16-bits.tif
+rm wide.tif
 convert repeats.pam -alpha off -compress none repeats.tif
 tiffcp -c lzw:1 -r 48 repeats.tif lzw-repeats.tif
 tiffcp -c lzw:2 -t -w 32 -l 32 -p separate repeats.tif lzw-tiles-planes.tif

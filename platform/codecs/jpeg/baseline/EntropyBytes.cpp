@@ -75,11 +75,11 @@ bool EntropyBytes::Had(const Bits& bits) const noexcept
     return 8 * (bits.next - end) <= static_cast<std::ptrdiff_t>(bits.count);
 }
 
-bool EntropyBytes::PassRestart(Bits bits, unsigned number)
+bool EntropyBytes::PassRestart(const Bits& bits, unsigned number)
 {
     constexpr unsigned kRestart0 = 0xD0;
     const auto whole = static_cast<std::ptrdiff_t>(bits.count / 8); // bytes that nobody has asked for
-    if (!More(bits) || !ended || bits.next - whole != end)
+    if (!ended || bits.next - whole != end)
         return false;
     while (at < scan.size() && scan[at] == kMark) // marks may be repeated: T.81, B.1.1.2
         ++at;

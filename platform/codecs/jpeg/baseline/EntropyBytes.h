@@ -60,7 +60,7 @@ public:
     }
 
     /// Goes to what stands behind restart marker `number` (0 to 7). False when something else comes next.
-    [[nodiscard]] bool PassRestart(Bits bits, unsigned number);
+    [[nodiscard]] bool PassRestart(const Bits& bits, unsigned number);
 
     /// Whether all bits that were taken were there.
     [[nodiscard]] bool Had(const Bits& bits) const noexcept;
