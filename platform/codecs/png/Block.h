@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "platform/codecs/Bytes.h"
@@ -32,6 +33,9 @@ struct Block {
 
     /// Adds `count` literals, whose bytes are counted elsewhere, and a match.
     void AddMatch(std::uint32_t count, unsigned length, unsigned distance);
+
+    /// Adds many of those.
+    void AddMatches(std::span<const Sequence> matches);
 
     /// Adds the literals at the end.
     void AddEnd(std::uint32_t count);
