@@ -143,6 +143,9 @@ const EncodeCase kCases[] = {
             return c;
         },
         6, 8, 1.08 },
+    { "GrainBelowASky", 640, 480,
+        [](unsigned x, unsigned y, unsigned n) { return y < 60 ? kPhoto(x, y, n) : kGrain(x, y, n); }, 2, 8,
+        1.05 },
     { "Text", 700, 500, kText, 2, 8, 0.165 },
     { "Tiles", 1100, 500, kTiles, 2, 8, 0.02 },
     { "TilesOnSlope", 1100, 500, kTilesOnSlope, 2, 8, 0.18 },

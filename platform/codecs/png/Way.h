@@ -16,6 +16,12 @@ enum class Way { Photo, Grain, Shades, Drawing };
     return way != Way::Drawing;
 }
 
+/// Whether it takes several times as long as the others.
+[[nodiscard]] constexpr bool IsSlow(Way way) noexcept
+{
+    return way == Way::Shades || way == Way::Drawing;
+}
+
 [[nodiscard]] constexpr Likeness LikenessOf(Way way) noexcept
 {
     if (way == Way::Photo)
@@ -27,14 +33,17 @@ enum class Way { Photo, Grain, Shades, Drawing };
 /// so it is made the more seldom the longer the same way wins.
 class Verdict {
 public:
+    static constexpr int kFirstTrust = 8; ///< bands
+
     /// The way for the next band; `tryAll` finds it where none is believed any more.
     template<class Try>
     [[nodiscard]] Way Ask(Try tryAll)
     {
-        constexpr int kFirstTrust = 8, kMostTrust = 256, kGrowth = 4;
+        constexpr int kFirstTrustInSlow = 2, kMostTrust = 256, kGrowth = 4;
         if (left == 0) {
             const Way before = std::exchange(found, tryAll());
-            trust = found == before ? std::clamp(kGrowth * trust, kFirstTrust, kMostTrust) : kFirstTrust;
+            const int first = IsSlow(found) ? kFirstTrustInSlow : kFirstTrust;
+            trust = found == before ? std::clamp(kGrowth * trust, first, kMostTrust) : first;
             left = trust;
         }
         --left;

@@ -21,22 +21,24 @@ Way WayChooser::WayFor(int from, int to)
     const Texture texture = TextureOf(picture, from, to);
     if (texture == Texture::Hard)
         return Way::Drawing;
-    if (texture == Texture::Natural)
+    if (texture == Texture::Natural || picture.Height() < kWorthTryingAll * (to - from))
         return natural.Ask([&] { return PhotoOrGrain(from, to); });
-    const bool small = picture.Height() < kWorthTryingAll * (to - from);
-    return shaded.Ask([&] { return small ? PhotoOrGrain(from, to) : AnyWay(from, to); });
+    return shaded.Ask([&] { return AnyWay(from, to); });
 }
 
-// Two searches of the same rows, of small pictures a part of the band: it is the larger part of the work
-// there. Grain takes several times as long, so it has to be worth it.
+// Two searches of the same rows, few of them: of small pictures it is a large part of the work. They are
+// taken from the middle of the bands that will be stored so at least, since pictures' edges are plainer.
+// Grain takes twice as long, so it has to be worth it.
 Way WayChooser::PhotoOrGrain(int from, int to)
 {
-    constexpr int kRows = 24;
-    const int end = std::min(to, from + kRows);
-    const Columns all { 0, width };
-    const std::uint64_t photo = BitsOf(Way::Photo, all, from, end),
-                        grain = BitsOf(Way::Grain, all, from, end);
-    return photo <= grain + grain / 9 ? Way::Photo : Way::Grain;
+    constexpr std::size_t kBytes = 64 * 1024;
+    constexpr int kLeastRows = 2, kMostRows = 24;
+    const int rows
+        = std::clamp(static_cast<int>(kBytes / (width * form.BitsPerPixel() / 8)), kLeastRows, kMostRows),
+        first = std::min(from + Verdict::kFirstTrust / 2 * (to - from), picture.Height() - (to - from));
+    const Patch patch = PatchOf({ 0, width }, first, std::min(first + rows, picture.Height()), true);
+    const std::uint64_t photo = BitsOf(Way::Photo, patch), grain = BitsOf(Way::Grain, patch);
+    return photo <= grain + grain / 10 ? Way::Photo : Way::Grain;
 }
 
 // All of them, on a patch: looking for all that repeats takes longest. Patterns of some rows must fit into
@@ -48,26 +50,34 @@ Way WayChooser::AnyWay(int from, int to)
     const int end = std::min(to, from + kRows);
     const std::size_t pixels = std::min(width, kPixels);
     const Columns middle { (width - pixels) / 2, pixels };
-    const auto bits = [&](Way way) { return BitsOf(way, middle, from, end); };
-    const std::uint64_t fast = std::min(bits(Way::Photo), bits(Way::Grain)), shades = bits(Way::Shades),
-                        drawing = bits(Way::Drawing), least = std::min(shades, drawing);
-    if (fast <= least + least / 5)
+    const Patch filtered = PatchOf(middle, from, end, true);
+    const std::uint64_t fast = std::min(BitsOf(Way::Photo, filtered), BitsOf(Way::Grain, filtered)),
+                        shades = BitsOf(Way::Shades, filtered),
+                        drawing = BitsOf(Way::Drawing, PatchOf(middle, from, end, false)),
+                        least = std::min(shades, drawing);
+    if (fast <= least + least / 3)
         return PhotoOrGrain(from, to);
     return shades < drawing ? Way::Shades : Way::Drawing;
 }
 
+WayChooser::Patch WayChooser::PatchOf(const Columns& columns, int from, int to, bool filtered) const
+{
+    StoredRows rows(picture, form, columns, from);
+    const Layout layout = rows.RowLayout();
+    const auto count = static_cast<std::size_t>(to - from);
+    Patch patch { layout, std::vector<std::uint8_t>(count * layout.stride + kRowMargin), count };
+    rows.Write(patch.bytes.data(), to, filtered);
+    return patch;
+}
+
 // Of the lower half, since what comes again must have come before.
-std::uint64_t WayChooser::BitsOf(Way way, const Columns& columns, int from, int to)
+std::uint64_t WayChooser::BitsOf(Way way, const Patch& patch)
 {
     if (!trial)
         trial = std::make_unique<Trial>();
-    StoredRows rows(picture, form, columns, from);
-    const Layout& layout = rows.RowLayout();
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(to - from) * layout.stride + kRowMargin);
-    const std::uint8_t* const end = rows.Write(bytes.data(), to, IsFiltered(way));
-    const std::size_t known = static_cast<std::size_t>(to - from) / 2 * layout.stride;
-    return trial->BitsOf(
-        { bytes.data(), static_cast<std::size_t>(end - bytes.data()) }, known, LikenessOf(way), layout);
+    const std::size_t stride = patch.layout.stride;
+    return trial->BitsOf(Bytes(patch.bytes).first(patch.rows * stride), patch.rows / 2 * stride,
+        LikenessOf(way), patch.layout);
 }
 
 } // namespace veltrane::codecs::png

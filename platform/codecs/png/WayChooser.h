@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "platform/codecs/Bitmap.h"
 #include "platform/codecs/png/Form.h"
@@ -22,9 +23,16 @@ public:
     [[nodiscard]] Way WayFor(int from, int to);
 
 private:
+    // Rows, or parts of them, to try ways on.
+    struct Patch {
+        Layout layout;
+        std::vector<std::uint8_t> bytes;
+        std::size_t rows;
+    };
     [[nodiscard]] Way PhotoOrGrain(int from, int to);
     [[nodiscard]] Way AnyWay(int from, int to);
-    [[nodiscard]] std::uint64_t BitsOf(Way way, const Columns& columns, int from, int to);
+    [[nodiscard]] Patch PatchOf(const Columns& columns, int from, int to, bool filtered) const;
+    [[nodiscard]] std::uint64_t BitsOf(Way way, const Patch& patch);
 
     const Bitmap& picture;
     const Form& form;
