@@ -39,6 +39,39 @@ std::uint32_t HashOfThree(const std::uint8_t* at) noexcept
     return (three * 0x9E37'79B1U) >> (32 - kThreesBits);
 }
 
+// How a match of at least so many bytes ends, as far as eight bytes tell. Asking for this first passes over
+// nearly all places that share no more than their beginning.
+class Ending {
+public:
+    Ending(const std::uint8_t* here, unsigned length) noexcept
+        : from(length - std::min(length, kSeen))
+        , mask(~std::uint64_t { 0 } >> 8 * (kSeen - std::min(length, kSeen)))
+        , bytes(LoadEight(here + from))
+    {
+    }
+
+    [[nodiscard]] bool IsAt(const std::uint8_t* there) const noexcept
+    {
+        return ((LoadEight(there + from) ^ bytes) & mask) == 0;
+    }
+
+private:
+    static constexpr unsigned kSeen = 8;
+
+    // The first byte lowest.
+    static std::uint64_t LoadEight(const std::uint8_t* at) noexcept
+    {
+        std::uint64_t word = 0;
+        std::memcpy(&word, at, sizeof word);
+        if constexpr (std::endian::native == std::endian::big)
+            word = __builtin_bswap64(word);
+        return word;
+    }
+
+    unsigned from;
+    std::uint64_t mask, bytes;
+};
+
 } // namespace
 
 MatchFinder::MatchFinder(int depth)
@@ -66,21 +99,23 @@ MatchFinder::Match MatchFinder::Find(const Stretch& in, std::size_t at, unsigned
     if (longerThan < 3 && near - 1 < std::min<std::size_t>(reach, kNearby)
         && std::memcmp(here, here - near, 3) == 0)
         best = { 3, near };
+    Ending ending(here, std::max(best.length + 1, 4U));
     for (std::uint32_t last = 0; looks > 0; --looks) {
         const std::uint32_t distance = position - candidate;
         if (distance <= last || distance > reach)
             break;
         last = distance;
-        const std::uint8_t* const there = here - distance;
-        if (best.length < 4 || Load(there + best.length - 3) == Load(here + best.length - 3)) {
-            const unsigned length = CommonLength(here, there, 0, most);
-            if (length > std::max(best.length, 3U)) {
-                best = { length, distance };
-                if (length == most)
-                    break;
-            }
-        }
         candidate = previous[candidate % kWindow];
+        const std::uint8_t* const there = here - distance;
+        if (!ending.IsAt(there))
+            continue;
+        const unsigned length = CommonLength(here, there, 0, most);
+        if (length <= std::max(best.length, 3U))
+            continue;
+        best = { length, distance };
+        if (length == most)
+            break;
+        ending = Ending(here, length + 1);
     }
     return best.distance != 0 ? best : Match {};
 }

@@ -21,7 +21,7 @@ public:
     /// Cuts bytes [from, to) of `data` into literals and matches and counts them in `block`, which is
     /// cleared first. Stops early, behind a whole sequence, when the block is long enough; the position
     /// reached. `data` holds the stream from `origin` on (a position in the stream), and whatever of the
-    /// window before `from` is still known. A pixel takes `step` bytes.
+    /// window before `from` is still known. 8 bytes behind `to` can be read. A pixel takes `step` bytes.
     [[nodiscard]] std::size_t Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from,
         std::size_t to, std::size_t step, Block& block);
 
