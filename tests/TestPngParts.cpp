@@ -152,6 +152,22 @@ TEST_P(PngSearch, CutsIntoWhatWasThere)
 
 INSTANTIATE_TEST_SUITE_P(Png, PngSearch, testing::ValuesIn(kCutCases), tests::kByName);
 
+// Where nearly all lies in runs, no byte may get a code that it does not need.
+TEST(PngSearch, CountsFewLiteralsOneByOne)
+{
+    constexpr std::size_t kEvery = 100, kCount = 400;
+    Data data(kEvery * kCount + 64);
+    for (std::size_t i = 0; i < kCount; ++i)
+        data[i * kEvery] = 7;
+    Search search(kThorough);
+    Block block;
+    ASSERT_EQ(
+        search.Cut(data.data(), kWindow + 1, 0, kEvery * kCount, Likeness::Residues, { 1, 2001 }, block),
+        kEvery * kCount);
+    for (unsigned byte = 0; byte < 256; ++byte)
+        EXPECT_EQ(block.literals[byte], byte == 0 || byte == 7 ? kCount : 0) << "byte " << byte;
+}
+
 // ---- Palettes
 
 namespace {

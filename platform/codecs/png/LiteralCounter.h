@@ -1,75 +1,88 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
+#include "platform/codecs/Bytes.h"
 #include "platform/codecs/png/Block.h"
 
 namespace veltrane::codecs::png {
 
-/// Counts the literals among residues. Counting every byte takes as long as writing it; of long stretches one
-/// in four stands for all, which makes the code no worse by a thousandth. But a rare byte must not be missed,
-/// since then it would have no code, nor may every byte get one for that, since rare codes take room from the
-/// others: so residues far from 0, where the rare ones are, are all counted.
+/// Counts residues. Counting every byte takes as long as writing it; one in four stands for all, which makes
+/// the code no worse by a thousandth. But a rare byte must not be missed, since then it would have no code,
+/// nor may every byte get one for that, since rare codes take room from the others: so residues far from 0,
+/// where the rare ones are, are all counted. And so are zeros, some of which are no literals: going by the
+/// literals alone would stop at each run.
 class LiteralCounter {
 public:
-    /// Literals that follow each other.
-    [[gnu::always_inline]] void Count(const std::uint8_t* bytes, std::size_t count) noexcept
+    /// All bytes of a block.
+    [[gnu::always_inline]] void Count(Bytes bytes) noexcept
     {
-        if (count >= kLong) {
-            sampled = true;
-            for (; count >= sizeof(Lanes); count -= sizeof(Lanes), bytes += sizeof(Lanes))
-                CountSome(bytes);
+        const std::uint8_t* at = bytes.data();
+        std::size_t left = bytes.size();
+        while (left >= sizeof(Lanes)) {
+            const std::size_t some = std::min<std::size_t>(left / sizeof(Lanes), 255);
+            CountLanes(at, some);
+            at += some * sizeof(Lanes);
+            left -= some * sizeof(Lanes);
         }
-        for (; count >= 4; count -= 4, bytes += 4) {
-            ++exact[0][bytes[0]];
-            ++exact[1][bytes[1]];
-            ++exact[0][bytes[2]];
-            ++exact[1][bytes[3]];
-        }
-        for (; count > 0; --count, ++bytes)
-            ++exact[0][*bytes];
+        for (; left > 0; --left, ++at)
+            ++exact[*at];
     }
 
-    /// Adds the counts to a block's.
-    void AddTo(Block& block) const noexcept
+    /// Adds the counts to a block's, but for so many zeros.
+    void AddTo(Block& block, std::size_t zerosInRuns) const noexcept
     {
-        for (std::size_t i = 0; i < 256; ++i) {
-            std::uint32_t count = exact[0][i] + exact[1][i];
+        for (std::size_t i = 1; i < 256; ++i) {
+            block.literals[i] += exact[i];
             if (static_cast<std::uint8_t>(i + kNear) > 2 * kNear)
-                count += far[0][i] + far[1][i];
+                block.literals[i] += far[0][i] + far[1][i];
             else if (sampled)
-                count += 4 * (some[0][i] + some[1][i] + some[2][i] + some[3][i]) + 1;
-            block.literals[i] += count;
+                block.literals[i] += 4 * (some[0][i] + some[1][i] + some[2][i] + some[3][i]) + 1;
         }
+        block.literals[0] += static_cast<std::uint32_t>(exact[0] + zeros - zerosInRuns);
     }
 
 private:
     using Lanes = std::uint8_t __attribute__((vector_size(32)));
     using Quarters = std::uint64_t __attribute__((vector_size(32)));
-    static constexpr std::size_t kLong = 256;
     static constexpr std::uint8_t kNear = 32;
     // Two and four tables, so that equal neighbours do not wait for each other's count.
     using Table = std::array<std::uint32_t, 256>;
 
-    [[gnu::always_inline]] void CountSome(const std::uint8_t* bytes) noexcept
+    // 255 at most, since each lane has a byte for its zeros.
+    [[gnu::always_inline]] void CountLanes(const std::uint8_t* bytes, std::size_t count) noexcept
     {
-        for (std::size_t i = 0; i < sizeof(Lanes) / 4; ++i)
-            ++some[i % 4][bytes[i]];
-        Lanes lanes;
-        std::memcpy(&lanes, bytes, sizeof lanes);
-        const auto beyond = reinterpret_cast<Quarters>(lanes + kNear > 2 * kNear);
-        if ((beyond[0] | beyond[1] | beyond[2] | beyond[3]) == 0)
-            return;
+        sampled = true;
+        Lanes zerosOfLanes {};
+        for (; count > 0; --count, bytes += sizeof(Lanes)) {
+            for (std::size_t i = 0; i < sizeof(Lanes) / 4; ++i)
+                ++some[i % 4][bytes[i]];
+            Lanes lanes;
+            std::memcpy(&lanes, bytes, sizeof lanes);
+            zerosOfLanes -= reinterpret_cast<Lanes>(lanes == 0);
+            const auto beyond = reinterpret_cast<Quarters>(lanes + kNear > 2 * kNear);
+            if ((beyond[0] | beyond[1] | beyond[2] | beyond[3]) != 0)
+                CountFar(bytes);
+        }
+        for (std::size_t i = 0; i < sizeof(Lanes); ++i)
+            zeros += zerosOfLanes[i];
+    }
+
+    [[gnu::always_inline]] void CountFar(const std::uint8_t* bytes) noexcept
+    {
         for (std::size_t i = 0; i < sizeof(Lanes); ++i)
             ++far[i % 2][bytes[i]];
     }
 
     bool sampled = false;
+    std::size_t zeros = 0;
     std::array<Table, 4> some {};
-    std::array<Table, 2> exact {}, far {};
+    std::array<Table, 2> far {};
+    Table exact {};
 };
 
 } // namespace veltrane::codecs::png

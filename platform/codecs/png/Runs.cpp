@@ -16,6 +16,7 @@ namespace veltrane::codecs::png {
 namespace {
 
 constexpr std::size_t kShortest = 10; // shorter runs cost as much as their literals, which are the cheapest
+constexpr std::size_t kFew = 4; // bytes for each literal, and a sample of all tells too little of them
 constexpr std::size_t kSeen = 64; // bytes that a mask tells of
 
 // A bit for each of the kSeen bytes, the first lowest: whether it is zero.
@@ -91,13 +92,23 @@ template<class ZeroMask>
     return at;
 }
 
+// Counts the literals between matches, one by one.
+void CountEach(Bytes bytes, Block& block)
+{
+    const std::uint8_t* at = bytes.data();
+    for (const Sequence& sequence : block.sequences) {
+        for (std::uint32_t i = 0; i < sequence.literals; ++i)
+            ++block.literals[at[i]];
+        at += sequence.literals + sequence.length;
+    }
+}
+
 template<class ZeroMask>
 [[gnu::always_inline]] inline void Find(Bytes bytes, Block& block, ZeroMask zeroMask)
 {
     block.Clear();
-    LiteralCounter counter;
     const std::uint8_t* const data = bytes.data();
-    std::size_t from = 0; // where the literals not yet in a sequence begin
+    std::size_t from = 0, inRuns = 0; // where the literals not yet in a sequence begin; bytes in matches
     for (std::size_t i = 0; i + kSeen <= bytes.size();) {
         const std::uint64_t mask = zeroMask(data + i), beginnings = Beginnings(mask);
         if (beginnings == 0) {
@@ -110,12 +121,15 @@ template<class ZeroMask>
         i = start + static_cast<std::size_t>(length);
         if (first + length == static_cast<int>(kSeen))
             i = EndOfZeros(bytes, i, zeroMask);
-        counter.Count(data + from, start + 1 - from);
         from = AddRun(block, from, start, i);
+        inRuns += from - start - 1;
     }
-    counter.Count(data + from, bytes.size() - from);
     block.AddEnd(static_cast<std::uint32_t>(bytes.size() - from));
-    counter.AddTo(block);
+    if (bytes.size() - inRuns < bytes.size() / kFew)
+        return CountEach(bytes, block);
+    LiteralCounter counter;
+    counter.Count(bytes);
+    counter.AddTo(block, inRuns);
 }
 
 #ifdef __x86_64__
