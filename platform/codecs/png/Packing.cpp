@@ -15,18 +15,21 @@ void PackRgbFrom(const std::uint8_t* rgba, std::uint8_t* row, std::size_t i, std
 }
 
 #ifdef __x86_64__
-// Four pixels a step, where the processor can move bytes about in a register.
+// Eight pixels a step, where the processor can move bytes about in a register: within its halves first.
 [[gnu::target("avx2")]] void PackRgbAvx2(
     const std::uint8_t* rgba, std::uint8_t* row, std::size_t width) noexcept
 {
-    using Pixels4 = std::uint8_t __attribute__((vector_size(16)));
+    using Pixels8 = std::uint8_t __attribute__((vector_size(32)));
+    using Words8 = std::uint32_t __attribute__((vector_size(32)));
     std::size_t i = 0;
-    for (; i + 4 <= width; i += 4) {
-        Pixels4 pixels;
+    for (; i + 8 <= width; i += 8) {
+        Pixels8 pixels;
         std::memcpy(&pixels, rgba + 4 * i, sizeof pixels);
-        pixels
-            = __builtin_shufflevector(pixels, pixels, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15);
-        std::memcpy(row + 3 * i, &pixels, sizeof pixels);
+        pixels = __builtin_shufflevector(pixels, pixels, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 7, 11, 15,
+            16, 17, 18, 20, 21, 22, 24, 25, 26, 28, 29, 30, 19, 23, 27, 31);
+        const auto halves = reinterpret_cast<Words8>(pixels);
+        const Words8 words = __builtin_shufflevector(halves, halves, 0, 1, 2, 4, 5, 6, 3, 7);
+        std::memcpy(row + 3 * i, &words, sizeof words);
     }
     PackRgbFrom(rgba, row, i, width);
 }
