@@ -257,6 +257,15 @@ TEST(TiffLimits, CheckedBeforeDecoding)
         << "a turned picture needs two";
 }
 
+// A fourth of the memory; pixels stay what the table above expects of them.
+TEST(Tiff, KeepsBytesThatArePixelsAsTheyAre)
+{
+    const auto kept = [](const char* name) { return tests::Decoded(name).Indices(0) != nullptr; };
+    EXPECT_TRUE(kept("tiff/grey8.tif"));
+    EXPECT_TRUE(kept("tiff/palette8.tif"));
+    EXPECT_FALSE(kept("tiff/grey4.tif")) << "two to a byte";
+}
+
 TEST(TiffInks, GoThroughTheirProfileAtTheirDepth)
 {
     constexpr int kInks = 6;

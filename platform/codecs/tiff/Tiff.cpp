@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "platform/Exceptions.h"
@@ -65,6 +67,27 @@ Bitmap Paint(TiffFile& file, const TiffPage& page)
     return picture;
 }
 
+Bitmap KeepIndices(TiffFile& file, const TiffPage& page, const Palette& palette)
+{
+    Bitmap picture = Bitmap::Indexed(static_cast<int>(page.width), static_cast<int>(page.height), palette);
+    std::uint8_t* const indices = picture.WritableIndices();
+    const auto width = static_cast<std::size_t>(page.width);
+    ReadRows(file, page, [&](const TiffRow& row) {
+        std::memcpy(indices + width * static_cast<std::size_t>(row.y) + static_cast<std::size_t>(row.x),
+            row.planes[0], static_cast<std::size_t>(row.pixels));
+    });
+    picture.Opaque(true);
+    return picture;
+}
+
+Bitmap ReadPixels(TiffFile& file, const TiffPage& page)
+{
+    if (page.colour == TiffColour::Library)
+        return ReadByLibrary(file, page);
+    const std::optional<Palette> palette = ByteColours(page);
+    return palette ? KeepIndices(file, page, *palette) : Paint(file, page);
+}
+
 Bitmap Decode(Bytes bytes, const Limits& limits)
 {
     try {
@@ -72,8 +95,7 @@ Bitmap Decode(Bytes bytes, const Limits& limits)
         const TiffPage page = ReadPage(file);
         CheckLimits(file, page, limits);
         file.BeginPixels();
-        Bitmap picture = page.colour == TiffColour::Library ? ReadByLibrary(file, page) : Paint(file, page);
-        return Upright(std::move(picture), page.orientation);
+        return Upright(ReadPixels(file, page), page.orientation);
     } catch (const std::bad_alloc&) {
         throw OutOfMemoryException(kNoMemory);
     }

@@ -204,18 +204,31 @@ private:
     Transform transform;
 };
 
-bool FillsBytes(const TiffPage& page)
+// Whether a byte holds one sample, or several, that tell a pixel each by a table.
+bool GoesByTable(const TiffPage& page)
 {
-    return page.bits == 1 || page.bits == 2 || page.bits == 4 || page.bits == 8;
+    const bool whole = page.numbers != TiffNumbers::Float;
+    const bool table = page.colour == TiffColour::Palette || (page.colour == TiffColour::Grey && whole);
+    return table && page.samples == 1
+        && (page.bits == 1 || page.bits == 2 || page.bits == 4 || page.bits == 8);
 }
 
 } // namespace
 
+std::optional<Palette> ByteColours(const TiffPage& page)
+{
+    if (!GoesByTable(page) || page.bits != 8 || page.orientation != Orientation::TopLeft)
+        return std::nullopt;
+    const std::vector<Pixel> colours = Colours(page);
+    Palette palette {};
+    static_assert(sizeof palette == 256 * sizeof(Pixel));
+    std::memcpy(palette.data(), colours.data(), sizeof palette);
+    return palette;
+}
+
 std::unique_ptr<TiffPainter> MakePainter(const TiffPage& page)
 {
-    const bool whole = page.numbers != TiffNumbers::Float;
-    const bool table = page.colour == TiffColour::Palette || (page.colour == TiffColour::Grey && whole);
-    if (table && page.samples == 1 && FillsBytes(page))
+    if (GoesByTable(page))
         return std::make_unique<BytePainter>(page);
     if (page.colour == TiffColour::Palette)
         return std::make_unique<PalettePainter>(page);

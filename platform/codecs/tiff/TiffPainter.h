@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
+#include "platform/codecs/PixelBlock.h"
 #include "platform/codecs/tiff/TiffPage.h"
 #include "platform/codecs/tiff/TiffRows.h"
 
@@ -35,6 +37,9 @@ private:
 
 /// The painter for a page of any colour but TiffColour::Library. The page must outlive it.
 [[nodiscard]] std::unique_ptr<TiffPainter> MakePainter(const TiffPage& page);
+
+/// The pixel of each byte of a page whose every byte is an upright pixel of its own; nothing for other pages.
+[[nodiscard]] std::optional<Palette> ByteColours(const TiffPage& page);
 
 /// The painter that takes every such page but palettes, sample by sample.
 [[nodiscard]] std::unique_ptr<TiffPainter> MakeGeneralPainter(const TiffPage& page);

@@ -33,6 +33,8 @@ convert scene.pam -alpha off -compress JPEG -quality 98 jpeg-ycbcr.tif
 convert scene.pam -compress WebP -quality 100 -define webp:lossless=true webp.tif
 convert scene.pam -colors 16 -type Palette -compress LZW palette16.tif
 convert palette16.tif -depth 8 -alpha on palette16.pam
+convert scene.pam -alpha off -colors 200 -type Palette -compress none palette8.tif
+convert palette8.tif -depth 8 -alpha on palette8.pam
 for orientation in 1 2 3 4 5 6 7 8; do
     cp plain.tif "orientation-$orientation.tif"
     tiffset -s 274 "$orientation" "orientation-$orientation.tif"
