@@ -72,6 +72,8 @@ bool TiffFile::Source::TellsDamage(std::string_view module, std::string_view tex
     const auto tells = [&](std::string_view words) { return text.find(words) != std::string_view::npos; };
     if (module.starts_with("Fax"))
         return true;
+    if (module == "JPEGPreDecode") // fewer pixels than the strip or tile has: the others are not touched
+        return tells("Improper JPEG strip/tile size");
     if (module == "JPEGLib" || module == "LibJpeg")
         return std::ranges::none_of(kHarmless, tells);
     return false;

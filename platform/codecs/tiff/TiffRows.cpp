@@ -102,8 +102,9 @@ public:
         , byRows(!plain && GoesByRows(page, grid))
         , lzw(!byRows && MayUnpackLzw(tiff, page) ? std::make_unique<TiffLzw>() : nullptr)
     {
+        // Zeros: what a decoder leaves out without a word must not be what lay in memory before.
         if (!plain)
-            buffer = std::make_unique_for_overwrite<std::uint8_t[]>(
+            buffer = std::make_unique<std::uint8_t[]>(
                 (byRows ? grid.rowBytes : grid.Bytes() * planes.size()) + TiffLzw::kSlack);
     }
 

@@ -420,6 +420,11 @@ def damage():
     for source in ("bilevel-g4", "bilevel-g3", "bilevel-g3-2d", "bilevel-jbig", "lzw-predictor",
                    "packbits-planes", "zstd", "lzma", "jpeg-rgb", "webp", "plain", "lerc"):
         damaged("bad-cut-" + source, source, halve)
+    # A picture in a strip that has a row less than the strip.
+    def lower(data, order, places):
+        at = data.index(b"\xff\xc0") + 5
+        struct.pack_into(">H", data, at, struct.unpack_from(">H", data, at)[0] - 1)
+    damaged("bad-jpeg-low-strip", "jpeg-rgb", lower)
     # A strip that says of itself that it is 4 thousand million rows high.
     def endless(data, order, places):
         start, = struct.unpack_from(order + "I", data, places[273])
