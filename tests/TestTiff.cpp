@@ -115,7 +115,7 @@ constexpr TiffCase kTiffs[] = {
     { "palette2", "palette2" },
     { "palette2-bytes", "palette2-bytes" },
     { "palette2-upper-bytes", "palette2-upper-bytes" },
-    { "palette8", "palette8" },
+    { "palette8", "palette8", 1 },
     { "palette10", "palette10" },
     { "palette16", "palette16", 1 },
     { "palette-alpha", "palette-alpha" },
