@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 #include <tiffio.h>
 
 #include "platform/Exceptions.h"
+#include "platform/codecs/PixelBlock.h"
 #include "platform/codecs/tiff/TiffJbig.h"
 #include "platform/codecs/tiff/TiffLzw.h"
 
@@ -104,8 +106,7 @@ public:
     {
         // Zeros: what a decoder leaves out without a word must not be what lay in memory before.
         if (!plain)
-            buffer = std::make_unique<std::uint8_t[]>(
-                (byRows ? grid.rowBytes : grid.Bytes() * planes.size()) + TiffLzw::kSlack);
+            buffer.emplace((byRows ? grid.rowBytes : grid.Bytes() * planes.size()) + TiffLzw::kSlack);
     }
 
     void Run()
@@ -144,7 +145,7 @@ private:
             return PlainPiece(index, bytes);
         if (page.compression == COMPRESSION_JBIG)
             CheckJbig(index, y);
-        std::uint8_t* const to = buffer.get() + grid.Bytes() * plane;
+        std::uint8_t* const to = buffer->Data() + grid.Bytes() * plane;
         if (lzw && UnpackLzw(index, { to, bytes }))
             return to;
         const auto size = static_cast<tmsize_t>(bytes);
@@ -205,9 +206,9 @@ private:
 
     void ReadByRows()
     {
-        planes[0] = buffer.get();
+        planes[0] = buffer->Data();
         for (std::int64_t y = 0; y < page.height; ++y) {
-            const int result = TIFFReadScanline(tiff, buffer.get(), static_cast<std::uint32_t>(y), 0);
+            const int result = TIFFReadScanline(tiff, buffer->Data(), static_cast<std::uint32_t>(y), 0);
             file.CheckPixels(result == 1);
             take({ 0, static_cast<int>(y), static_cast<int>(page.width), planes });
         }
@@ -223,7 +224,7 @@ private:
     bool plain;
     bool byRows;
     std::unique_ptr<TiffLzw> lzw; // none when the library unpacks
-    std::unique_ptr<std::uint8_t[]> buffer;
+    std::optional<ZeroBlock> buffer;
 };
 
 // The library must see rows as we do before it is given a buffer for them.
