@@ -7,8 +7,8 @@
 
 namespace veltrane::codecs::png {
 
-/// The samples of `width` pixels in the form, in whole bytes even where they take fewer bits. Writes up to 8 bytes
-/// more than that.
+/// The samples of `width` pixels in the form, in whole bytes even where they take fewer bits. Writes up to 8
+/// bytes more than that.
 void PackSamples(const Form& form, const std::uint8_t* rgba, std::uint8_t* row, std::size_t width);
 
 /// Packs a row of `width` pixels into the form. Writes up to 8 bytes more than the row has, and one for each

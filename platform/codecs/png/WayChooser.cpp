@@ -41,8 +41,8 @@ Way WayChooser::PhotoOrGrain(int from, int to)
     return photo <= grain + grain / 10 ? Way::Photo : Way::Grain;
 }
 
-// All of them, on a patch: looking for all that repeats takes longest. Patterns of some rows must fit into
-// it.
+// All of them, on a patch: looking for all that repeats takes longest, so it has to save a quarter. Patterns
+// of some rows must fit into the patch.
 Way WayChooser::AnyWay(int from, int to)
 {
     constexpr int kRows = 24;
