@@ -1,8 +1,6 @@
 #include "platform/Picture.h"
 
-#include <new>
-
-#include "platform/Exceptions.h"
+#include "platform/Faults.h"
 #include "platform/FileReader.h"
 #include "platform/FileWriter.h"
 #include "platform/PictureGraphics.h"
@@ -20,7 +18,7 @@ bool InRange(std::int64_t side)
 codecs::Bitmap Blank(std::int64_t width, std::int64_t height)
 {
     if (!InRange(height) || !InRange(width))
-        throw OutOfBoundsException("Width/Height needs to be in the range 1-32767");
+        throw codecs::Fault(codecs::Fault::SideOutOfRange);
     return codecs::Bitmap::Transparent(static_cast<int>(width), static_cast<int>(height));
 }
 
@@ -44,19 +42,25 @@ const codecs::Codec* Encoder(std::int64_t format)
     throw UnsupportedOperationException("format d'enregistrement inconnu");
 }
 
+// What the user reads when memory runs out while that format is made.
+const char* NoMemoryToEncode(std::int64_t format)
+{
+    return format == FormatCodePNG ? "mémoire insuffisante pour écrire cette image"
+                                   : "mémoire insuffisante pour cette image";
+}
+
 } // namespace
 
-Picture::Picture(std::int64_t width, std::int64_t height) : pixels(Blank(width, height)) { }
+Picture::Picture(std::int64_t width, std::int64_t height)
+    : pixels(WithPixels([=] { return Blank(width, height); }))
+{
+}
 
 Ref<Picture> Picture::Open(const Ref<FolderItem>& file)
 {
     if (!file)
         throw NilObjectException();
-    try {
-        return New<Picture>(Decode(file->Path()));
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
+    return WithPixels([&] { return New<Picture>(Decode(file->Path())); });
 }
 
 Ref<veltrane::Graphics> Picture::Graphics()
@@ -71,13 +75,14 @@ void Picture::Save(const Ref<FolderItem>& file, std::int64_t format, std::int64_
     if (!file)
         throw NilObjectException("The folder item passed cannot be nil");
     const codecs::Codec* const codec = Encoder(format);
-    try {
-        FileWriter writer(file->Path());
-        codec->encode(pixels, static_cast<int>(quality), writer);
-        writer.Commit();
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour enregistrer cette image");
-    }
+    WithPixels(
+        [&] {
+            FileWriter writer(file->Path());
+            WithPixels(
+                [&] { codec->encode(pixels, static_cast<int>(quality), writer); }, NoMemoryToEncode(format));
+            writer.Commit();
+        },
+        "mémoire insuffisante pour enregistrer cette image");
 }
 
 } // namespace veltrane

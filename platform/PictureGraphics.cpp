@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/Faults.h"
 #include "platform/Scaler.h"
 
 namespace veltrane {
@@ -152,7 +153,7 @@ void PictureGraphics::FillRect(double x, double y, double width, double height)
     const Colour colour = ForeColor();
     const std::uint8_t filled[] { static_cast<std::uint8_t>(colour >> 16),
         static_cast<std::uint8_t>(colour >> 8), static_cast<std::uint8_t>(colour), 255 };
-    std::uint8_t* const memory = pixels.Writable();
+    std::uint8_t* const memory = WithPixels([&] { return pixels.Writable(); });
     for (int row = rows.begin; row < rows.end; ++row) {
         std::uint8_t* const start = memory + static_cast<std::size_t>(row) * pixels.Stride();
         for (int column = columns.begin; column < columns.end; ++column)
@@ -171,7 +172,7 @@ void PictureGraphics::DrawPicture(const Ref<Picture>& picture, double x, double 
     if (across.IsIdentity() && down.IsIdentity() && (source.Opaque() || pixels.Blank()))
         pixels = source;
     else
-        DrawScaled(pixels, source, across, down);
+        WithPixels([&] { DrawScaled(pixels, source, across, down); }, kNoMemoryToDraw);
 }
 
 } // namespace veltrane

@@ -5,11 +5,9 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
-#include <new>
 #include <span>
 #include <vector>
 
-#include "platform/Exceptions.h"
 #include "platform/ScalerSums.h"
 #include "platform/ScalerTaps.h"
 #include "platform/codecs/Processor.h"
@@ -308,7 +306,7 @@ Scaling ScalingFor(bool opaque)
 } // namespace
 
 void ScaleByArea(const Bitmap& source, const SourceArea& area, const ScaledPixels& target)
-try {
+{
     if (IsSmallStep(area, target)) {
         ScaleByTaps(source, area, target);
         return;
@@ -328,8 +326,6 @@ try {
     Job job { GroupRows(source), across, static_cast<float>(1 / covered),
         std::vector<std::uint16_t>(columns * kChannels), std::vector<Floats4>(across.size()) };
     ScalingFor(source.Opaque())(job, down, target);
-} catch (const std::bad_alloc&) {
-    throw OutOfMemoryException("mémoire insuffisante pour l'aperçu");
 }
 
 } // namespace veltrane

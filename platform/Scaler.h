@@ -27,7 +27,7 @@ struct ScaledPixels {
 /// Scales the area to fill the target: each pixel of it becomes the average of the source area that it
 /// covers, pixels at the edges counted by the share that lies inside, colours weighted by their alpha.
 /// `area` lies inside the picture and is not empty; the target has sides of 1 or more.
-/// Raises OutOfMemoryException.
+/// Raises std::bad_alloc.
 void ScaleByArea(const codecs::Bitmap& source, const SourceArea& area, const ScaledPixels& target);
 
 } // namespace veltrane

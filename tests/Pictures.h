@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/Faults.h"
 #include "platform/codecs/Bitmap.h"
 #include "platform/codecs/Codec.h"
 
@@ -22,8 +23,33 @@ namespace veltrane::tests {
 /// Whether every alpha is 255.
 [[nodiscard]] bool EveryAlphaIs255(const codecs::Bitmap& picture);
 
-/// Decodes a file under tests/data with the codec that claims it, after the codec's readInfo agreed on the
-/// size and its Opaque flag was seen to tell the truth. Raises what the codec raises.
+/// Decodes a file under tests/data with the codec that claims it, and checks the picture's Opaque flag.
+/// Raises what the codec raises.
 [[nodiscard]] codecs::Bitmap Decoded(const std::string& name);
+
+/// The code of the Fault that ends `attempt`; none when it comes to its end.
+template<class Attempt>
+[[nodiscard]] std::optional<codecs::Fault::Code> FaultOf(const Attempt& attempt)
+{
+    try {
+        attempt();
+    } catch (const codecs::Fault& fault) {
+        return fault.code;
+    }
+    return std::nullopt;
+}
+
+/// The exception that the seam makes of the Fault that ends `attempt`: its class and message, parted by ": ".
+/// Empty when `attempt` comes to its end.
+template<class Attempt>
+[[nodiscard]] std::string RefusalOf(const Attempt& attempt)
+{
+    try {
+        WithPixels(attempt);
+    } catch (const RuntimeException& refusal) {
+        return std::string(refusal.ClassName()) + ": " + std::string(refusal.Message().Bytes());
+    }
+    return {};
+}
 
 } // namespace veltrane::tests

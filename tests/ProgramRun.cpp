@@ -6,8 +6,8 @@
 #include <string>
 
 #include "platform/DragItem.h"
-#include "platform/Exceptions.h"
 #include "platform/codecs/Codec.h"
+#include "platform/codecs/Fault.h"
 #include "shell/Startup.h"
 #include "window/WVeltrane.h"
 
@@ -24,25 +24,18 @@ bool ProbePlain(Bytes head) noexcept
     return head.size() > 6 && std::memcmp(head.data(), "PLAIN ", 6) == 0;
 }
 
-Info PlainInfo(Bytes file, const Limits& limits)
-{
-    Info info;
-    const std::string text(file.begin(), file.end());
-    if (std::sscanf(text.c_str(), "PLAIN %ld %ld", &info.width, &info.height) != 2)
-        throw UnsupportedFormatException("image de test endommagée");
-    limits.Check(info.width, info.height);
-    return info;
-}
-
 Bitmap DecodePlain(Bytes file, const Limits& limits)
 {
-    const Info info = PlainInfo(file, limits);
+    int width = 0, height = 0;
     unsigned colour = 0;
-    std::sscanf(std::string(file.begin(), file.end()).c_str(), "PLAIN %*d %*d %x", &colour);
+    const std::string text(file.begin(), file.end());
+    if (std::sscanf(text.c_str(), "PLAIN %d %d %x", &width, &height, &colour) < 2)
+        throw Fault(Fault::Damaged);
+    limits.Check(width, height);
     ++decoded;
-    Bitmap picture = Bitmap::Uninitialised(static_cast<int>(info.width), static_cast<int>(info.height));
+    Bitmap picture = Bitmap::Uninitialised(width, height);
     std::uint8_t* const pixels = picture.Writable();
-    for (std::size_t i = 0; i < picture.Stride() * static_cast<std::size_t>(info.height); i += 4) {
+    for (std::size_t i = 0; i < picture.Stride() * static_cast<std::size_t>(height); i += 4) {
         for (unsigned c = 0; c < 3; ++c)
             pixels[i + c] = static_cast<std::uint8_t>(colour >> (16 - 8 * c));
         pixels[i + 3] = 255;
@@ -51,7 +44,7 @@ Bitmap DecodePlain(Bytes file, const Limits& limits)
     return picture;
 }
 
-constexpr Codec kPlain { "PLAIN", ProbePlain, PlainInfo, DecodePlain, nullptr };
+constexpr Codec kPlain { "PLAIN", ProbePlain, DecodePlain, nullptr };
 
 } // namespace
 

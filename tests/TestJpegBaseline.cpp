@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/Processor.h"
 #include "platform/codecs/jpeg/Jpeg.h"
 #include "platform/codecs/jpeg/baseline/EntropyBytes.h"
@@ -33,8 +33,8 @@ std::string Outcome(codecs::Bytes file)
         for (int y = 0; y < picture.Height(); ++y)
             told.append(reinterpret_cast<const char*>(picture.Row(y)), picture.Stride());
         return told;
-    } catch (const RuntimeException& refusal) {
-        return std::string(refusal.ClassName()) + ": " + std::string(refusal.Message().Bytes());
+    } catch (const codecs::Fault& fault) {
+        return fault.what();
     }
 }
 

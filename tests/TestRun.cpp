@@ -137,7 +137,7 @@ TEST(Run, DocumentsComeOneByOneAndABadOneLeavesTheOthersAlone)
     run.Go();
     EXPECT_EQ(run.Messages(),
         (std::vector<std::string> {
-            "Le fichier « bad.gif » n'a pas pu être traité : image de test endommagée." }));
+            "Le fichier « bad.gif » n'a pas pu être traité : fichier endommagé ou incomplet." }));
 }
 
 TEST(Run, StopEndsTheWaitingDocuments)

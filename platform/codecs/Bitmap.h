@@ -20,15 +20,15 @@ public:
 
     /// Pixels whose values are not set yet. Sides of 1 or more. `slack`: bytes behind the last row that a
     /// decoder may use while it fills the picture; they stay allocated, so keep them few.
-    /// Raises OutOfMemoryException when the machine has not the room.
+    /// Raises Fault::NoMemory when the machine has not the room.
     [[nodiscard]] static Bitmap Uninitialised(int width, int height, std::size_t slack = 0);
 
     /// Every pixel transparent black; memory is taken as the pixels are touched.
-    /// Raises OutOfMemoryException when the machine has not the room.
+    /// Raises Fault::NoMemory when the machine has not the room.
     [[nodiscard]] static Bitmap Transparent(int width, int height);
 
     /// Pixels that are told by indices, which are not set yet: see WritableIndices. `slack` as above.
-    /// Raises OutOfMemoryException when the machine has not the room.
+    /// Raises Fault::NoMemory when the machine has not the room.
     [[nodiscard]] static Bitmap Indexed(int width, int height, const Palette& palette, std::size_t slack = 0);
 
     [[nodiscard]] int Width() const noexcept { return width; }
@@ -49,7 +49,7 @@ public:
     }
 
     /// The row `y`, from 0 to Height - 1: Stride bytes, valid while this Bitmap holds them. Raises
-    /// OutOfMemoryException when the pixels are kept as indices and have not the room beside them.
+    /// Fault::NoMemory when the pixels are kept as indices and have not the room beside them.
     [[nodiscard]] const std::uint8_t* Row(int y) const;
 
     /// The indices of row `y`, Width bytes; null when the pixels are not kept so.
@@ -65,7 +65,7 @@ public:
     void CopyPixels(int x, int y, int count, std::uint8_t* rgba) const noexcept;
 
     /// All rows for writing, row 0 first. Copies the pixels first when they are shared or kept as indices;
-    /// ask once, not for each row. Raises OutOfMemoryException when that copy does not fit.
+    /// ask once, not for each row. Raises Fault::NoMemory when that copy does not fit.
     [[nodiscard]] std::uint8_t* Writable();
 
     /// All indices, row 0 first, for who has just made an Indexed picture: before it is copied, and before

@@ -1,13 +1,13 @@
 #include "platform/codecs/ByteReader.h"
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs {
 
 Bytes ByteReader::Take(std::size_t count)
 {
     if (count > Remaining())
-        throw UnsupportedFormatException("fichier incomplet");
+        throw Fault(Fault::Incomplete);
     const Bytes taken = bytes.subspan(position, count);
     position += count;
     return taken;
@@ -16,7 +16,7 @@ Bytes ByteReader::Take(std::size_t count)
 void ByteReader::Seek(std::size_t offset)
 {
     if (offset > bytes.size())
-        throw UnsupportedFormatException("fichier incomplet");
+        throw Fault(Fault::Incomplete);
     position = offset;
 }
 

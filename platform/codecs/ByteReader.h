@@ -9,7 +9,7 @@
 namespace veltrane::codecs {
 
 /// Walks a block of bytes and never past it: a read or move beyond the end raises
-/// UnsupportedFormatException ("fichier incomplet"). Decoders test no length by hand.
+/// Fault::Incomplete. Decoders test no length by hand.
 class ByteReader {
 public:
     ByteReader(Bytes block, std::endian byteOrder) noexcept : bytes(block), order(byteOrder) { }

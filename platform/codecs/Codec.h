@@ -15,31 +15,20 @@ namespace veltrane::codecs {
 /// How many bytes a probe gets to see.
 constexpr std::size_t kProbeBytes = 1024;
 
-/// The picture's size as it will be shown, once turned upright, in pixels.
-struct Info {
-    std::int64_t width = 0;
-    std::int64_t height = 0;
-};
-
 /// One file format. Every module under platform/codecs/ fills exactly one of these.
 ///
-/// For any bytes, readInfo and decode give a result or raise UnsupportedFormatException (not understood,
-/// damaged, incomplete), OutOfBoundsException or OutOfMemoryException (over the limits): nothing else. The
-/// message is French, begins with a small letter and tells the fault without the file's name.
+/// For any bytes, decode gives a picture or raises Fault or std::bad_alloc: nothing else.
 struct Codec {
     std::string_view name; ///< the format's name as people write it: "JPEG"
 
     /// Whether the file is ours, from its first kProbeBytes bytes (fewer when it is shorter).
     bool (*probe)(Bytes head) noexcept;
 
-    /// The size, without decoding a pixel. Raises as decode does for what the header shows.
-    Info (*readInfo)(Bytes file, const Limits& limits);
-
     /// The picture as it was meant to be seen: upright, in sRGB, the first frame or page.
     Bitmap (*decode)(Bytes file, const Limits& limits);
 
     /// Writes the whole file. `quality` is 0 to 100, or -1 for the encoder's choice. Raises what the sink
-    /// raises, and OutOfMemoryException. Null: the format is only read.
+    /// raises, Fault::NoMemory and std::bad_alloc. Null: the format is only read.
     void (*encode)(const Bitmap& picture, int quality, Sink& sink);
 };
 

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs {
 
@@ -54,13 +55,12 @@ std::int64_t OrientationTag(ByteReader in)
 
 Orientation ExifOrientation(Bytes tiff) noexcept
 {
-    // Orientation is a hint: nothing that is wrong with it, not even a lack of memory for the words that
-    // would tell it, is a reason to lose the picture.
+    // Orientation is a hint: nothing that is wrong with it is a reason to lose the picture.
     try {
         const auto order = ByteOrder(tiff);
         const std::int64_t tag = order ? OrientationTag({ tiff, *order }) : 0;
         return tag >= 1 && tag <= 8 ? static_cast<Orientation>(tag) : Orientation::TopLeft;
-    } catch (...) {
+    } catch (const Fault&) {
         return Orientation::TopLeft;
     }
 }

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/Bitmap.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs {
 
@@ -74,13 +74,12 @@ Limits Limits::OfThisMachine()
 void Limits::Check(std::int64_t width, std::int64_t height, std::int64_t workingBytes) const
 {
     if (width < 1 || height < 1)
-        throw UnsupportedFormatException("image sans aucun pixel");
+        throw Fault(Fault::NoPixels);
     if (width > maxSide || height > maxSide)
-        throw OutOfBoundsException("Width/Height needs to be in the range 1-32767");
+        throw Fault(Fault::SideOutOfRange);
     const std::int64_t pixels = width * height * static_cast<std::int64_t>(Bitmap::kBytesPerPixel);
     if (workingBytes > maxBytes || pixels > maxBytes - workingBytes)
-        throw OutOfMemoryException(
-            "mémoire insuffisante pour une image de " + Str(width) + " × " + Str(height) + " pixels");
+        throw Fault(Fault::PixelsOverLimit, std::to_string(width) + " × " + std::to_string(height));
 }
 
 } // namespace veltrane::codecs

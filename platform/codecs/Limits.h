@@ -16,8 +16,8 @@ struct Limits {
     [[nodiscard]] static Limits OfThisMachine();
 
     /// Checks a picture of `width` x `height` pixels whose decoder needs `workingBytes` beside the pixels.
-    /// Raises UnsupportedFormatException for a side below 1, OutOfBoundsException for one over maxSide
-    /// ("Width/Height needs to be in the range 1-32767"), OutOfMemoryException over maxBytes.
+    /// Raises Fault::NoPixels for a side below 1, Fault::SideOutOfRange for one over maxSide,
+    /// Fault::PixelsOverLimit over maxBytes.
     void Check(std::int64_t width, std::int64_t height, std::int64_t workingBytes = 0) const;
 };
 

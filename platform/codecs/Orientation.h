@@ -28,7 +28,7 @@ enum class Orientation {
 [[nodiscard]] bool SwapsSides(Orientation orientation) noexcept;
 
 /// The picture turned upright; the same one when it stands so already.
-/// Raises OutOfMemoryException when the turned copy does not fit.
+/// Raises Fault::NoMemory when the turned copy does not fit.
 [[nodiscard]] Bitmap Upright(Bitmap stored, Orientation orientation);
 
 /// Builds the upright picture from stored rows as they are decoded, so that the stored picture never exists
@@ -37,7 +37,7 @@ class UprightRows {
 public:
     static constexpr int kAtOnce = 16;
 
-    /// For a stored picture of this size. Raises OutOfMemoryException when its pixels do not fit.
+    /// For a stored picture of this size. Raises Fault::NoMemory when its pixels do not fit.
     UprightRows(int storedWidth, int storedHeight, Orientation orientation);
 
     /// Bytes held beside the picture.

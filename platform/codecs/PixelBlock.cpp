@@ -6,7 +6,7 @@
 #include <tuple>
 #include <utility>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/Pages.h"
 
 namespace veltrane::codecs {
@@ -77,7 +77,7 @@ bool IsLarge(std::size_t size) noexcept
 void* Given(void* memory)
 {
     if (memory == nullptr)
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+        throw Fault(Fault::NoMemory);
     return memory;
 }
 

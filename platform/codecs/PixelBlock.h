@@ -22,7 +22,7 @@ public:
     PixelBlock(const PixelBlock&) = delete;
     PixelBlock& operator=(const PixelBlock&) = delete;
 
-    /// The pixels. Raises OutOfMemoryException when they have to be made first and there is not the room.
+    /// The pixels. Raises Fault::NoMemory when they have to be made first and there is not the room.
     [[nodiscard]] std::uint8_t* Data()
     {
         if (memory == nullptr)
@@ -40,7 +40,7 @@ protected:
 /// Bytes that hold anything at first. Large ones are recycled.
 class AnyBlock final : public PixelBlock {
 public:
-    /// Raises OutOfMemoryException.
+    /// Raises Fault::NoMemory.
     explicit AnyBlock(std::size_t wanted);
     ~AnyBlock() override;
 
@@ -51,7 +51,7 @@ private:
 /// Zeros, which take no room before they are touched. Never recycled, as nobody may ever touch them.
 class ZeroBlock final : public PixelBlock {
 public:
-    /// Raises OutOfMemoryException.
+    /// Raises Fault::NoMemory.
     explicit ZeroBlock(std::size_t size);
     ~ZeroBlock() override;
 
@@ -62,7 +62,7 @@ private:
 /// Pixels that are told by indices, one byte each, until somebody wants them themselves.
 class IndexedBlock final : public PixelBlock {
 public:
-    /// With `slack` bytes behind the indices. Raises OutOfMemoryException.
+    /// With `slack` bytes behind the indices. Raises Fault::NoMemory.
     IndexedBlock(std::size_t pixels, const Palette& palette, std::size_t slack);
 
     [[nodiscard]] std::uint8_t* Indices() noexcept { return at; }

@@ -9,7 +9,7 @@ class Sink {
 public:
     virtual ~Sink() = default;
 
-    /// Takes all of `bytes`, or raises IOException.
+    /// Takes all of `bytes`, or raises what it likes: that passes through the encoder unchanged.
     virtual void Write(Bytes bytes) = 0;
 };
 

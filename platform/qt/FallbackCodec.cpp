@@ -5,10 +5,9 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <new>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/Codec.h"
+#include "platform/codecs/Fault.h"
 #include "platform/qt/QtToolkit.h"
 
 namespace veltrane {
@@ -17,7 +16,7 @@ namespace {
 
 using codecs::Bitmap;
 using codecs::Bytes;
-using codecs::Info;
+using codecs::Fault;
 using codecs::Limits;
 
 void PassOver(QtMsgType, const QMessageLogContext&, const QString&) { }
@@ -102,20 +101,19 @@ bool Probe(Bytes head) noexcept
     }
 }
 
-// The size that the header states, as shown; nothing when the plugin tells it only by decoding.
-Info StatedSize(Reader& reader, const Limits& limits)
+// Asked before pixels are made, where the header states the size.
+void CheckStatedSize(Reader& reader, const Limits& limits)
 {
     if (!reader->canRead())
-        throw UnsupportedFormatException("format non reconnu");
+        throw Fault(Fault::FormatUnknown);
     QSize size = reader->size();
     if (size.isEmpty())
-        return {};
+        return;
     if ((reader->transformation() & QImageIOHandler::TransformationRotate90) != 0)
         size.transpose();
     // The plugin's own picture stands beside ours until it has been copied.
     const std::int64_t working = std::int64_t { 4 } * size.width() * size.height();
     limits.Check(size.width(), size.height(), working);
-    return { size.width(), size.height() };
 }
 
 QImage Read(Reader& reader, const Limits& limits)
@@ -125,14 +123,14 @@ QImage Read(Reader& reader, const Limits& limits)
         static_cast<int>(std::clamp<std::int64_t>(limits.maxBytes / 2 / kMegabyte, 1, INT_MAX)));
     QImage image = reader->read();
     if (image.isNull() || reader.CutShort())
-        throw UnsupportedFormatException("fichier endommagé ou incomplet");
+        throw Fault(Fault::Damaged);
     limits.Check(image.width(), image.height());
     if (image.colorSpace().isValid() && image.colorSpace() != QColorSpace(QColorSpace::SRgb))
         image.convertToColorSpace(QColorSpace(QColorSpace::SRgb));
     const bool opaque = !image.hasAlphaChannel();
     image.convertTo(opaque ? QImage::Format_RGBX8888 : QImage::Format_RGBA8888);
     if (image.isNull())
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+        throw Fault(Fault::NoMemory);
     return image;
 }
 
@@ -149,31 +147,12 @@ Bitmap Copy(const QImage& image)
 
 Bitmap Decode(Bytes file, const Limits& limits)
 {
-    try {
-        Reader reader(file);
-        (void)StatedSize(reader, limits);
-        return Copy(Read(reader, limits));
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
+    Reader reader(file);
+    CheckStatedSize(reader, limits);
+    return Copy(Read(reader, limits));
 }
 
-Info ReadInfo(Bytes file, const Limits& limits)
-{
-    Info info;
-    try {
-        Reader reader(file);
-        info = StatedSize(reader, limits);
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
-    if (info.width > 0)
-        return info;
-    const Bitmap picture = Decode(file, limits);
-    return { picture.Width(), picture.Height() };
-}
-
-constexpr codecs::Codec kFallback { "Qt", Probe, ReadInfo, Decode, nullptr };
+constexpr codecs::Codec kFallback { "Qt", Probe, Decode, nullptr };
 
 } // namespace
 

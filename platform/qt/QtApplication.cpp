@@ -7,6 +7,7 @@
 #include <QPixmap>
 #include <QSessionManager>
 
+#include "platform/Faults.h"
 #include "platform/FolderItem.h"
 #include "platform/Runtime.h"
 #include "platform/UriList.h"
@@ -38,12 +39,14 @@ QPixmap OwnPicture(const QString& name)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     const QByteArray bytes = file.readAll();
-    const codecs::Bitmap picture = codecs::kPng.decode(
-        { reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<std::size_t>(bytes.size()) },
-        {});
-    const QImage image(picture.Row(0), picture.Width(), picture.Height(),
-        static_cast<qsizetype>(picture.Stride()), QImage::Format_RGBA8888);
-    return QPixmap::fromImage(image);
+    const codecs::Bytes png(
+        reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<std::size_t>(bytes.size()));
+    return WithPixels([png] {
+        const codecs::Bitmap picture = codecs::kPng.decode(png, {});
+        const QImage image(picture.Row(0), picture.Width(), picture.Height(),
+            static_cast<qsizetype>(picture.Stride()), QImage::Format_RGBA8888);
+        return QPixmap::fromImage(image);
+    });
 }
 
 QIcon WindowIcon()

@@ -2,6 +2,7 @@
 
 #include <QTransform>
 
+#include "platform/Faults.h"
 #include "platform/Picture.h"
 #include "platform/Scaler.h"
 
@@ -74,7 +75,7 @@ void ScreenGraphics::DrawPicture(const Ref<Picture>& picture, double x, double y
         = QRectF(0, 0, static_cast<double>(ownWidth), static_cast<double>(ownHeight)).contains(from);
     if (painter == nullptr || to.width() <= 0 || to.height() <= 0 || from.isEmpty() || !inside)
         return;
-    Draw(pixels, to, from);
+    WithPixels([&] { Draw(pixels, to, from); }, kNoMemoryToDraw);
     lastPicture = QSize(static_cast<int>(ownWidth), static_cast<int>(ownHeight));
 }
 

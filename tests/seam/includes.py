@@ -29,6 +29,9 @@ def may_include(path, header):
             return "codec libraries belong to platform/codecs"
         if not path.endswith(".cpp"):
             return "a header must not lead to a codec library"
+    if path.startswith("platform/codecs/") and header.startswith("platform/"):
+        if not header.startswith("platform/codecs/"):
+            return "the codecs know nothing of the seam"
     return ""
 
 

@@ -5,8 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/Exceptions.h"
+#include "platform/Faults.h"
 #include "platform/Picture.h"
+#include "platform/codecs/Bytes.h"
 #include "tools/probe/Sha256.h"
 #ifdef VELTRANE_QT
 #include "platform/qt/QtToolkit.h"
@@ -25,10 +26,11 @@ void Probe(const std::string& path, const std::string& rgba)
         if (!rgba.empty())
             rows.open(rgba, std::ios::binary);
         for (int y = 0; y < picture.Height(); ++y) {
-            digest.Add({ picture.Row(y), picture.Stride() });
+            const codecs::Bytes row(WithPixels([&] { return picture.Row(y); }), picture.Stride());
+            digest.Add(row);
             if (!rgba.empty())
-                rows.write(reinterpret_cast<const char*>(picture.Row(y)),
-                    static_cast<std::streamsize>(picture.Stride()));
+                rows.write(
+                    reinterpret_cast<const char*>(row.data()), static_cast<std::streamsize>(row.size()));
         }
         std::cout << path << "\tdecoded\t" << picture.Width() << 'x' << picture.Height() << '\t'
                   << digest.Finish() << '\n';

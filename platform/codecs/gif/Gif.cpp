@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 #include <vector>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/gif/GifReader.h"
 
 namespace veltrane::codecs {
@@ -31,7 +30,7 @@ Layout LayOut(const GifReader& reader)
 {
     const GifFrame& frame = reader.Frame();
     if (frame.width == 0 || frame.height == 0)
-        throw UnsupportedFormatException("image sans aucun pixel");
+        throw Fault(Fault::NoPixels);
     Layout layout { reader.ScreenWidth(), reader.ScreenHeight(), frame.left, frame.top, 0, 0 };
     if (layout.screenWidth == 0 || layout.screenHeight == 0)
         layout = { frame.width, frame.height, 0, 0, 0, 0 };
@@ -77,7 +76,7 @@ void CheckWork(const GifFrame& frame, std::size_t rows, const Layout& layout)
     const std::int64_t work = static_cast<std::int64_t>(rows) * frame.width;
     const std::int64_t screen = std::int64_t { layout.screenWidth } * layout.screenHeight;
     if (work > kAlwaysFine && work / kMostPerPixel > screen)
-        throw UnsupportedFormatException("image GIF démesurée par rapport à son écran");
+        throw Fault(Fault::GifFrameOutOfProportion);
 }
 
 // Calls `paint` with the place of each row that is seen, in the frame, and its indices.
@@ -141,33 +140,18 @@ bool Probe(Bytes head) noexcept
             || std::memcmp(head.data(), "GIF89a", kSignature) == 0);
 }
 
-Info ReadInfo(Bytes file, const Limits& limits)
-{
-    try {
-        const Layout layout = LayOut(GifReader(file));
-        limits.Check(layout.screenWidth, layout.screenHeight);
-        return { layout.screenWidth, layout.screenHeight };
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
-}
-
 Bitmap Decode(Bytes file, const Limits& limits)
 {
-    try {
-        GifReader reader(file);
-        const Layout layout = LayOut(reader);
-        limits.Check(layout.screenWidth, layout.screenHeight);
-        const std::vector<int> rows = WantedRows(reader.Frame(), layout);
-        CheckWork(reader.Frame(), rows.size(), layout);
-        return Paint(reader, layout, rows);
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
+    GifReader reader(file);
+    const Layout layout = LayOut(reader);
+    limits.Check(layout.screenWidth, layout.screenHeight);
+    const std::vector<int> rows = WantedRows(reader.Frame(), layout);
+    CheckWork(reader.Frame(), rows.size(), layout);
+    return Paint(reader, layout, rows);
 }
 
 } // namespace
 
-const Codec kGif { "GIF", Probe, ReadInfo, Decode, nullptr };
+const Codec kGif { "GIF", Probe, Decode, nullptr };
 
 } // namespace veltrane::codecs

@@ -6,7 +6,7 @@
 
 #include <gif_lib.h>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs {
 
@@ -102,7 +102,7 @@ GifReader::GifReader(Bytes file) : source(std::make_unique<Source>())
     int error = D_GIF_SUCCEEDED;
     gif.reset(DGifOpen(source.get(), Source::Callback, &error));
     if (!gif && error == D_GIF_ERR_NOT_ENOUGH_MEM)
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+        throw Fault(Fault::NoMemory);
     if (!gif)
         Fail();
     FindFrame();
@@ -139,7 +139,7 @@ void GifReader::FindFrame()
         } else if (type == EXTENSION_RECORD_TYPE) {
             ReadExtension();
         } else if (type == TERMINATE_RECORD_TYPE) {
-            throw UnsupportedFormatException("fichier GIF sans image");
+            throw Fault(Fault::GifImageMissing);
         }
     }
     if (DGifGetImageDesc(gif.get()) == GIF_ERROR)
@@ -207,8 +207,8 @@ void GifReader::ReadRowByLibrary()
 void GifReader::Fail() const
 {
     if (gif && gif->Error == D_GIF_ERR_NOT_ENOUGH_MEM)
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    throw UnsupportedFormatException(source->ranDry ? "fichier GIF incomplet" : "fichier GIF endommagé");
+        throw Fault(Fault::NoMemory);
+    throw Fault(source->ranDry ? Fault::GifIncomplete : Fault::GifDamaged);
 }
 
 } // namespace veltrane::codecs

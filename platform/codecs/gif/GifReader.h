@@ -22,8 +22,8 @@ struct GifFrame {
     bool interlaced = false;
 };
 
-/// Reads a GIF up to the rows of its first frame. Every failure is raised as UnsupportedFormatException or
-/// OutOfMemoryException; the library's own states stay in here.
+/// Reads a GIF up to the rows of its first frame. Every failure is raised as Fault or
+/// std::bad_alloc; the library's own states stay in here.
 class GifReader {
 public:
     /// Reads up to the first frame's pixels. `file` must outlive the reader.

@@ -1,10 +1,8 @@
 #include "platform/codecs/jpeg/Decode.h"
 
 #include <algorithm>
-#include <new>
 #include <vector>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/Colour.h"
 #include "platform/codecs/jpeg/Reader.h"
 
@@ -73,29 +71,14 @@ void DecodePixels(Reader& reader, UprightRows& picture)
 
 } // namespace
 
-Info ReadInfo(Bytes file, const Limits& limits)
-{
-    try {
-        const Reader reader(file, limits);
-        const bool swap = SwapsSides(reader.Segments().Turn());
-        return { swap ? reader.Height() : reader.Width(), swap ? reader.Width() : reader.Height() };
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
-}
-
 Bitmap Decode(Bytes file, const Limits& limits)
 {
-    try {
-        Reader reader(file, limits);
-        UprightRows rows(reader.Width(), reader.Height(), reader.Segments().Turn());
-        DecodePixels(reader, rows);
-        Bitmap picture = rows.Take();
-        picture.Opaque(true);
-        return picture;
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
+    Reader reader(file, limits);
+    UprightRows rows(reader.Width(), reader.Height(), reader.Segments().Turn());
+    DecodePixels(reader, rows);
+    Bitmap picture = rows.Take();
+    picture.Opaque(true);
+    return picture;
 }
 
 } // namespace veltrane::codecs::jpeg

@@ -4,8 +4,7 @@
 
 namespace veltrane::codecs::jpeg {
 
-/// Codec::readInfo and Codec::decode.
-[[nodiscard]] Info ReadInfo(Bytes file, const Limits& limits);
+/// Codec::decode.
 [[nodiscard]] Bitmap Decode(Bytes file, const Limits& limits);
 
 } // namespace veltrane::codecs::jpeg

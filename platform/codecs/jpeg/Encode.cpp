@@ -1,10 +1,8 @@
 #include "platform/codecs/jpeg/Encode.h"
 
 #include <algorithm>
-#include <new>
 #include <optional>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/jpeg/OnWhite.h"
 #include "platform/codecs/jpeg/Pixels.h"
 #include "platform/codecs/jpeg/Sample.h"
@@ -20,22 +18,18 @@ constexpr int kOwnChoice = 75;
 
 void Encode(const Bitmap& picture, int quality, Sink& sink)
 {
-    try {
-        const Content content = Examine(picture);
-        const int kept = quality < 0 ? kOwnChoice : std::min(quality, 100);
-        Form form { picture.Width(), picture.Height(), kept, content.grey };
-        OnWhite pixels(picture, content.opaque);
-        const std::optional<Tables> tables = SampledTables(pixels, form);
-        form.tables = tables ? &*tables : nullptr;
-        Writer writer(form, sink);
-        for (int y = 0; y < form.height; y += OnWhite::kAtOnce) {
-            const int count = std::min(OnWhite::kAtOnce, form.height - y);
-            writer.Rows(pixels.Rows(y, count), picture.Stride(), count);
-        }
-        writer.Finish();
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+    const Content content = Examine(picture);
+    const int kept = quality < 0 ? kOwnChoice : std::min(quality, 100);
+    Form form { picture.Width(), picture.Height(), kept, content.grey };
+    OnWhite pixels(picture, content.opaque);
+    const std::optional<Tables> tables = SampledTables(pixels, form);
+    form.tables = tables ? &*tables : nullptr;
+    Writer writer(form, sink);
+    for (int y = 0; y < form.height; y += OnWhite::kAtOnce) {
+        const int count = std::min(OnWhite::kAtOnce, form.height - y);
+        writer.Rows(pixels.Rows(y, count), picture.Stride(), count);
     }
+    writer.Finish();
 }
 
 } // namespace veltrane::codecs::jpeg

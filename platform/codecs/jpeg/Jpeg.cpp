@@ -15,6 +15,6 @@ bool Probe(Bytes head) noexcept
 
 } // namespace
 
-const Codec kJpeg { "JPEG", Probe, jpeg::ReadInfo, jpeg::Decode, jpeg::Encode };
+const Codec kJpeg { "JPEG", Probe, jpeg::Decode, jpeg::Encode };
 
 } // namespace veltrane::codecs

@@ -7,7 +7,7 @@
 
 #include <jpeglib.h>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/Orientation.h"
 #include "platform/codecs/jpeg/Scans.h"
 #include "platform/codecs/jpeg/Trap.h"
@@ -113,8 +113,7 @@ void Reader::Library::CheckSize(const Limits& limits) const
     limits.Check(jpeg.image_width, jpeg.image_height, Scans::WorkingBytes(jpeg) + turning);
     constexpr std::array kRead { JCS_GRAYSCALE, JCS_YCbCr, JCS_RGB, JCS_CMYK, JCS_YCCK };
     if (std::ranges::find(kRead, jpeg.jpeg_color_space) == kRead.end())
-        throw UnsupportedFormatException(
-            "fichier JPEG dont le nombre de composantes n'est pas pris en charge");
+        throw Fault(Fault::JpegComponentsNotSupported);
 }
 
 Reader::Reader(Bytes file, const Limits& limits) : library(std::make_unique<Library>())

@@ -24,7 +24,7 @@ enum class Layout {
 };
 
 /// A JPEG file being read: first the header, then rows from top to bottom. Every operation raises
-/// UnsupportedFormatException, OutOfBoundsException or OutOfMemoryException.
+/// Fault or std::bad_alloc.
 class Reader {
 public:
     /// Reads up to the pixels and checks the size. `file` must outlive this object.

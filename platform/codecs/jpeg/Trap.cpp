@@ -7,8 +7,7 @@
 
 #include <jerror.h> // behind jpeglib.h, which says what the library was built with
 
-#include "platform/Exceptions.h"
-#include "platform/codecs/Limits.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs::jpeg {
 
@@ -80,7 +79,7 @@ void Trap::Warned(int warning, int marker) noexcept
 
 void Trap::RaiseDamaged() const
 {
-    throw UnsupportedFormatException(sawEnd ? "fichier JPEG incomplet" : "fichier JPEG endommagé");
+    throw Fault(sawEnd ? Fault::JpegIncomplete : Fault::JpegDamaged);
 }
 
 void Trap::Raise() const
@@ -88,17 +87,13 @@ void Trap::Raise() const
     if (thrown)
         std::rethrow_exception(thrown);
     switch (code) {
-    case JERR_OUT_OF_MEMORY: throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    case JERR_IMAGE_TOO_BIG: Limits().Check(JPEG_MAX_DIMENSION + 1, JPEG_MAX_DIMENSION + 1); break;
-    case JERR_EMPTY_IMAGE: Limits().Check(0, 0); break;
-    case JERR_BAD_PRECISION:
-        throw UnsupportedFormatException("fichier JPEG dont les échantillons n'ont pas 8 bits");
-    case JERR_SOF_UNSUPPORTED:
-        throw UnsupportedFormatException("variante de JPEG non prise en charge (sans perte ou hiérarchique)");
+    case JERR_OUT_OF_MEMORY: throw Fault(Fault::NoMemory);
+    case JERR_IMAGE_TOO_BIG: throw Fault(Fault::SideOutOfRange);
+    case JERR_EMPTY_IMAGE: throw Fault(Fault::NoPixels);
+    case JERR_BAD_PRECISION: throw Fault(Fault::JpegPrecisionNotSupported);
+    case JERR_SOF_UNSUPPORTED: throw Fault(Fault::JpegProcessNotSupported);
     case JERR_COMPONENT_COUNT:
-    case JERR_CONVERSION_NOTIMPL:
-        throw UnsupportedFormatException(
-            "fichier JPEG dont le nombre de composantes n'est pas pris en charge");
+    case JERR_CONVERSION_NOTIMPL: throw Fault(Fault::JpegComponentsNotSupported);
     default: break;
     }
     RaiseDamaged();

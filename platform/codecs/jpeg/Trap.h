@@ -21,8 +21,8 @@ public:
     /// For the `err` of a library object, which must not outlive this one.
     [[nodiscard]] jpeg_error_mgr* Errors() noexcept;
 
-    /// Runs `step`, which calls the library and has nothing to destroy. Raises what the library reports:
-    /// UnsupportedFormatException, OutOfBoundsException or OutOfMemoryException; and what was kept.
+    /// Runs `step`, which calls the library and has nothing to destroy. Raises what the library reports
+    /// as a Fault, or what was kept.
     template<class Step>
     void Run(Step step)
     {

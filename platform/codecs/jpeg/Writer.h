@@ -19,7 +19,7 @@ struct Form {
 };
 
 /// A JPEG file being written, rows from top to bottom. Every operation raises what the sink raises, and
-/// OutOfMemoryException.
+/// Fault::NoMemory.
 class Writer {
 public:
     /// Writes everything in front of the pixels. `sink` must outlive this object.

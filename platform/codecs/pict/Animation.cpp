@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/StillDecoders.h"
 
 namespace veltrane::codecs::pict {
@@ -19,7 +19,7 @@ public:
         , bytes(depth <= 8 ? 4 : static_cast<std::size_t>(depth) / 8)
     {
         if (depth != 2 && depth != 4 && depth != 8 && depth != 16 && depth != 24 && depth != 32)
-            throw UnsupportedFormatException("profondeur d'image QuickTime inconnue");
+            throw Fault(Fault::QuickTimeDepthUnknown);
     }
     [[nodiscard]] Bytes Read(ByteReader& in) const { return in.Take(bytes); }
     [[nodiscard]] int Pixels() const noexcept { return depth <= 8 ? 32 / depth : 1; }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/Opcodes.h"
 #include "platform/codecs/pict/PixelRows.h"
 #include "platform/codecs/pict/Stretch.h"
@@ -33,7 +34,7 @@ Placement ReadPlacement(int opcode, ByteReader& in, Point offset, Budget& budget
     else if (!direct)
         place.map.palette = ReadColourTable(in);
     else if (place.map.pixelSize <= 8)
-        throw UnsupportedFormatException("image PICT directe sans couleurs directes");
+        throw Fault(Fault::PictDirectPixelsIndexed);
     place.source = ReadRect(in);
     place.target = Offset(ReadRect(in), offset);
     place.mode = in.U16();

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/StillDecoders.h"
 
 namespace veltrane::codecs::pict {
@@ -41,12 +41,12 @@ BmpHeader ReadBmpHeader(Bytes data, const Limits& limits)
     const int depth = header.depth;
     if (size < kLeastHeader || packed
         || (depth != 1 && depth != 4 && depth != 8 && depth != 24 && depth != 32))
-        throw UnsupportedFormatException("variante de BMP inconnue");
+        throw Fault(Fault::BmpVariantUnknown);
     limits.Check(header.width, header.height);
     header.rowBytes
         = (static_cast<std::size_t>(header.width) * static_cast<std::size_t>(depth) + 31) / 32 * 4;
     if (header.rowBytes * static_cast<std::size_t>(header.height) > data.size())
-        throw UnsupportedFormatException("fichier incomplet");
+        throw Fault(Fault::Incomplete);
     return header;
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs::pict {
 
@@ -21,12 +21,12 @@ public:
 
     [[nodiscard]] std::int64_t Left() const noexcept { return left; }
 
-    /// Raises UnsupportedFormatException once the work is more than was granted.
+    /// Raises Fault once the work is more than was granted.
     void Charge(std::int64_t work)
     {
         left -= work;
         if (left < 0)
-            throw UnsupportedFormatException("dessin PICT démesuré");
+            throw Fault(Fault::PictDrawingOutOfProportion);
     }
 
 private:

@@ -17,7 +17,7 @@ namespace veltrane::codecs::pict {
 /// coordinates begin with (0, 0) at the picture's top left pixel.
 class Canvas {
 public:
-    /// Raises OutOfMemoryException when the machine has not the room.
+    /// Raises Fault::NoMemory when the machine has not the room.
     Canvas(int width, int height, Budget& budget);
 
     /// The pixels that drawing can reach at the moment.

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/StillDecoders.h"
 
 namespace veltrane::codecs::pict {
@@ -128,7 +128,7 @@ void ReadStrip(ByteReader in, Strip strip, Books& books)
             strip.Draw(kind, chunk, books), drawn = true;
     }
     if (!drawn)
-        throw UnsupportedFormatException("image Cinepak incomplète");
+        throw Fault(Fault::CinepakIncomplete);
 }
 
 } // namespace
@@ -150,12 +150,12 @@ void DecodeCinepak(const Still& still, StillPixels& pixels)
         // Strips below the first count from their own top.
         const int height = first == 0 ? last : last - first;
         if (size < 12 || height <= 0)
-            throw UnsupportedFormatException("image Cinepak endommagée");
+            throw Fault(Fault::CinepakDamaged);
         ReadStrip(in.Nested(size - 12), Strip(top, std::min(top + height, pixels.Height()), pixels), books);
         top += height;
     }
     if (top < pixels.Height())
-        throw UnsupportedFormatException("image Cinepak incomplète");
+        throw Fault(Fault::CinepakIncomplete);
 }
 
 } // namespace veltrane::codecs::pict

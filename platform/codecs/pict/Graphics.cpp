@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <span>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/StillDecoders.h"
 
 namespace veltrane::codecs::pict {
@@ -66,7 +66,7 @@ public:
         , blocks(across * ((static_cast<std::size_t>(pixels.Height()) + 3) / 4))
     {
         if (palette.empty())
-            throw UnsupportedFormatException("image QuickTime sans palette");
+            throw Fault(Fault::QuickTimeColorTableMissing);
         in.Skip(4); // flags and length
     }
 
@@ -112,7 +112,7 @@ private:
     void Repeat(std::size_t distance, int count)
     {
         if (done < distance)
-            throw UnsupportedFormatException("image QuickTime endommagée");
+            throw Fault(Fault::QuickTimeDamaged);
         for (; count > 0 && done < blocks.size(); --count)
             Put(blocks[done - distance]);
     }

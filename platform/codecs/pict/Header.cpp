@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/Codec.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/Opcodes.h"
 
 namespace veltrane::codecs::pict {
@@ -94,7 +94,7 @@ bool LooksLikePicture(Bytes head) noexcept
         // Another format of the same suffix, .pic, whose pixels may be anything.
         constexpr std::array<std::uint8_t, 4> kSoftimage { 0x53, 0x80, 0xF6, 0x34 };
         return !MarkAt(head, 0, kSoftimage) && Find(head).has_value();
-    } catch (const RuntimeException&) {
+    } catch (const Fault&) {
         return false; // too short for what it would have to hold
     }
 }
@@ -103,7 +103,7 @@ Header ReadHeader(Bytes file)
 {
     std::optional<Header> header = Find(file);
     if (!header)
-        throw UnsupportedFormatException("format non reconnu");
+        throw Fault(Fault::FormatUnknown);
     ByteReader in(file, std::endian::big);
     in.Seek(header->start + 2);
     header->frame = ReadRect(in);

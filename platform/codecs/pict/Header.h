@@ -20,7 +20,7 @@ struct Header {
 /// frame that holds something.
 [[nodiscard]] bool LooksLikePicture(Bytes head) noexcept;
 
-/// Reads the header of a whole file. Raises UnsupportedFormatException when it is none or cut off.
+/// Reads the header of a whole file. Raises Fault when it is none or cut off.
 /// Source: Imaging With QuickDraw, chapter 7, "Picture", and appendix A, "Version and Header Opcodes".
 [[nodiscard]] Header ReadHeader(Bytes file);
 

@@ -75,7 +75,7 @@ enum Opcode : int {
 
 /// How many bytes of data follow the opcode at `in`, which stands behind it and does not move. Reserved
 /// codes have a length too. None for the codes whose length only their contents tell: pixel patterns and
-/// bitmaps. Raises UnsupportedFormatException when the length itself is cut off.
+/// bitmaps. Raises Fault when the length itself is cut off.
 [[nodiscard]] std::optional<std::size_t> DataLength(int opcode, ByteReader in);
 
 } // namespace veltrane::codecs::pict

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/PixelMap.h"
 #include "platform/codecs/pict/PixelRows.h"
 
@@ -55,7 +56,7 @@ Pattern Pattern::Read(ByteReader& in, Budget& budget)
     const int across = map.bounds.Width();
     const int down = map.bounds.Height();
     if (map.bounds.Empty() || across > kLargestSide || down > kLargestSide)
-        throw UnsupportedFormatException("motif PICT endommagé");
+        throw Fault(Fault::PictPatternDamaged);
     map.palette = ReadColourTable(in);
     std::vector<Rgba> pixels(static_cast<std::size_t>(across) * static_cast<std::size_t>(down));
     PixelRows rows(map, Packing::Packed, in, budget);

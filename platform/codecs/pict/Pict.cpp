@@ -1,9 +1,7 @@
 #include "platform/codecs/pict/Pict.h"
 
-#include <new>
-
-#include "platform/Exceptions.h"
 #include "platform/codecs/Codec.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/Header.h"
 #include "platform/codecs/pict/Player.h"
 
@@ -22,29 +20,19 @@ void CheckProportion(const pict::Rect& frame, std::size_t fileBytes)
     constexpr std::int64_t kMostPerByte = 1024;
     const std::int64_t pixels = std::int64_t { frame.Width() } * frame.Height();
     if (pixels > kAlwaysFine && pixels / kMostPerByte > static_cast<std::int64_t>(fileBytes))
-        throw UnsupportedFormatException("image PICT démesurée par rapport à son fichier");
-}
-
-Info ReadInfo(Bytes file, const Limits& limits)
-{
-    const pict::Header header = pict::ReadHeader(file);
-    limits.Check(header.frame.Width(), header.frame.Height(), kWorkingBytes);
-    CheckProportion(header.frame, file.size());
-    return { header.frame.Width(), header.frame.Height() };
+        throw Fault(Fault::PictFrameOutOfProportion);
 }
 
 Bitmap Decode(Bytes file, const Limits& limits)
 {
-    try {
-        (void)ReadInfo(file, limits);
-        return pict::Play(file, pict::ReadHeader(file), limits);
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
-    }
+    const pict::Header header = pict::ReadHeader(file);
+    limits.Check(header.frame.Width(), header.frame.Height(), kWorkingBytes);
+    CheckProportion(header.frame, file.size());
+    return pict::Play(file, header, limits);
 }
 
 } // namespace
 
-constexpr Codec kPict { "PICT", pict::LooksLikePicture, ReadInfo, Decode, nullptr };
+constexpr Codec kPict { "PICT", pict::LooksLikePicture, Decode, nullptr };
 
 } // namespace veltrane::codecs

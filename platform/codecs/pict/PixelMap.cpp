@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs::pict {
 
@@ -35,10 +35,10 @@ void Check(const PixelMap& map)
 {
     constexpr std::array<int, 6> kDepths { 1, 2, 4, 8, 16, 32 };
     if (std::ranges::find(kDepths, map.pixelSize) == kDepths.end())
-        throw UnsupportedFormatException("profondeur de pixel PICT inconnue");
+        throw Fault(Fault::PictPixelSizeUnknown);
     const std::int64_t bits = std::int64_t { map.bounds.Width() } * map.pixelSize;
     if (map.bounds.Empty() || (bits + 7) / 8 > map.rowBytes)
-        throw UnsupportedFormatException("dimensions d'image PICT contradictoires");
+        throw Fault(Fault::PictBoundsInconsistent);
 }
 
 // Some writers leave the values of an indexed table at zero or repeat them: then only the place can be
@@ -74,7 +74,7 @@ std::vector<Rgba> ReadColourTable(ByteReader& in)
     const bool device = (in.U16() & kDeviceTable) != 0;
     const std::size_t count = std::size_t { in.U16() } + 1;
     if (count > kColours)
-        throw UnsupportedFormatException("palette PICT endommagée");
+        throw Fault(Fault::PictColorTableDamaged);
     std::vector<Entry> entries(count);
     for (Entry& entry : entries) {
         entry.value = in.U16();

@@ -25,7 +25,7 @@ enum class MapKind {
 };
 
 /// Reads a BitMap or a PixMap without its base address.
-/// Raises UnsupportedFormatException for depths that do not exist and rows too short for their pixels.
+/// Raises Fault for depths that do not exist and rows too short for their pixels.
 [[nodiscard]] PixelMap ReadPixelMap(ByteReader& in, MapKind kind);
 
 /// Reads a ColorTable: always 256 colours, black where the file names none.

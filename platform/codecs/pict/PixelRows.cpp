@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/PackBits.h"
 
 namespace veltrane::codecs::pict {
@@ -68,7 +69,7 @@ PixelRows::Form PixelRows::FormOf(const PixelMap& map, Packing packing)
         return Form::Planes;
     if (map.pixelSize == 32 && map.packType == 2)
         return Form::Triples;
-    throw UnsupportedFormatException("compression PICT inconnue");
+    throw Fault(Fault::PictPackTypeUnknown);
 }
 
 // The bytes of one row as they lie in the file.
@@ -91,7 +92,7 @@ Bytes PixelRows::Unpacked(std::size_t needed)
         return stored;
     const std::size_t made = UnpackBits(stored, form == Form::Words ? 2 : 1, row);
     if (made < needed)
-        throw UnsupportedFormatException("données d'image PICT endommagées");
+        throw Fault(Fault::PictPixelDataDamaged);
     budget.Charge(static_cast<std::int64_t>(made));
     return Bytes(row).first(made);
 }

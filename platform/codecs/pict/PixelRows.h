@@ -22,7 +22,7 @@ public:
     PixelRows(const PixelMap& map, Packing packing, ByteReader& in, Budget& budget);
 
     /// The next row as `map.bounds.Width()` pixels.
-    /// Raises UnsupportedFormatException when the row is cut off or does not hold all its pixels.
+    /// Raises Fault when the row is cut off or does not hold all its pixels.
     void Next(std::span<Rgba> pixels);
 
     /// Steps over the next row.

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/PackBits.h"
 #include "platform/codecs/pict/StillDecoders.h"
 
@@ -21,7 +21,7 @@ void DecodePlanar(const Still& still, StillPixels& pixels)
     const auto height = static_cast<std::size_t>(still.height);
     const auto width = static_cast<std::size_t>(still.width);
     if (still.depth != 24 && still.depth != 32)
-        throw UnsupportedFormatException("profondeur d'image QuickTime inconnue");
+        throw Fault(Fault::QuickTimeDepthUnknown);
     const std::size_t planes = static_cast<std::size_t>(still.depth) / 8;
     ByteReader lengths(still.data, std::endian::big);
     ByteReader rows = lengths;
@@ -30,7 +30,7 @@ void DecodePlanar(const Still& still, StillPixels& pixels)
     for (std::size_t plane = 0; plane < kColours; ++plane) {
         for (std::size_t y = 0; y < height; ++y) {
             if (UnpackBits(rows.Take(lengths.U16()), 1, row) < width)
-                throw UnsupportedFormatException("image QuickTime endommagée");
+                throw Fault(Fault::QuickTimeDamaged);
             auto* const target = reinterpret_cast<std::uint8_t*>(pixels.Row(static_cast<int>(y)));
             for (std::size_t x = 0; x < width; ++x)
                 target[4 * x + plane] = row[x];

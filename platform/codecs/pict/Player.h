@@ -6,7 +6,7 @@
 
 namespace veltrane::codecs::pict {
 
-/// Draws the whole picture. Raises UnsupportedFormatException when an opcode's data is cut off or damaged
+/// Draws the whole picture. Raises Fault when an opcode's data is cut off or damaged
 /// or the work is out of all proportion; a missing end mark and what follows it are passed over.
 [[nodiscard]] Bitmap Play(Bytes file, const Header& header, const Limits& limits);
 

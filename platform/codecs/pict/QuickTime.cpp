@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/Bits.h"
 #include "platform/codecs/pict/Opcodes.h"
 #include "platform/codecs/pict/Still.h"
@@ -48,7 +48,7 @@ Mapping ReadMapping(ByteReader& in)
     map.ty = fixed();
     in.Skip(4);
     if (b != 0 || c != 0 || map.a <= 0 || map.d <= 0)
-        throw UnsupportedFormatException("image QuickTime tournée ou retournée");
+        throw Fault(Fault::QuickTimeMatrixNotSupported);
     return map;
 }
 
@@ -109,10 +109,10 @@ Bitmap DecodeWithin(Budget& budget, const Still& still, const Limits& limits)
         Bitmap bitmap = DecodeStill(still, affordable);
         budget.Charge(kDecodingCost * bitmap.Width() * bitmap.Height());
         return bitmap;
-    } catch (const OutOfMemoryException&) {
+    } catch (const Fault& fault) {
         // The machine may well have the room: it is the file that is out of all proportion.
-        if (affordable.maxBytes < limits.maxBytes)
-            throw UnsupportedFormatException("dessin PICT démesuré");
+        if (fault.kind == Fault::Kind::NoMemory && affordable.maxBytes < limits.maxBytes)
+            throw Fault(Fault::PictDrawingOutOfProportion);
         throw;
     }
 }
@@ -153,7 +153,7 @@ Rect DrawQuickTime(
     SkipMatte(data);
     const int bits = data.U16(); // an opcode of its own follows, with its own places
     if (!IsBits(bits))
-        throw UnsupportedFormatException("image QuickTime endommagée");
+        throw Fault(Fault::QuickTimeDamaged);
     DrawBits(bits, data, port, canvas, budget);
     return {};
 }

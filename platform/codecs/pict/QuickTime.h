@@ -7,7 +7,7 @@
 namespace veltrane::codecs::pict {
 
 /// Draws the compressed still that opcode 0x8200 holds, or the matted bitmap of 0x8201. `data` is all of
-/// the opcode's data. Raises UnsupportedFormatException, naming the compressor when it is one that we do
+/// the opcode's data. Raises Fault, naming the compressor when it is one that we do
 /// not read. Gives where on the canvas the still of 0x8200 went; empty for 0x8201. Source: Inside Macintosh:
 /// QuickTime, chapter 3, "Working With Pictures".
 Rect DrawQuickTime(

@@ -25,7 +25,7 @@ Region Region::Read(ByteReader& in, Point offset, Budget& budget)
 {
     const std::size_t size = in.U16();
     if (size < 10)
-        throw UnsupportedFormatException("région PICT endommagée");
+        throw Fault(Fault::PictRegionDamaged);
     ByteReader data = in.Nested(size - 2);
     Region region(Offset(ReadRect(data), offset));
     if (data.Remaining() > 0)
@@ -40,11 +40,11 @@ void Region::ReadBands(ByteReader& in, Point offset, Budget& budget)
     std::vector<int> now;
     for (int y = in.I16(); y != kEnd; y = in.I16()) {
         if (!bands.empty() && y + offset.y <= bands.back().top)
-            throw UnsupportedFormatException("région PICT endommagée");
+            throw Fault(Fault::PictRegionDamaged);
         ReadTurns(in, offset.x, fresh);
         Exclusive(before, fresh, now);
         if (turns.size() + now.size() > kMostTurns)
-            throw UnsupportedFormatException("région PICT démesurée");
+            throw Fault(Fault::PictRegionOutOfProportion);
         budget.Charge(static_cast<std::int64_t>(now.size() + fresh.size()));
         bands.push_back({ y + offset.y, turns.size(), now.size() });
         turns.insert(turns.end(), now.begin(), now.end());

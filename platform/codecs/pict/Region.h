@@ -17,7 +17,7 @@ public:
     explicit Region(const Rect& rect) noexcept : bounds(rect) { }
 
     /// Reads the region at `in`, its size word first, and moves it by `offset`.
-    /// Raises UnsupportedFormatException when it is cut off or its rows are too many to hold.
+    /// Raises Fault when it is cut off or its rows are too many to hold.
     [[nodiscard]] static Region Read(ByteReader& in, Point offset, Budget& budget);
 
     [[nodiscard]] bool Rectangular() const noexcept { return bands.empty(); }

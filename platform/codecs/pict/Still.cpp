@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/Codec.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/MacRoman.h"
 #include "platform/codecs/pict/Palettes.h"
 #include "platform/codecs/pict/Pict.h"
@@ -55,12 +55,12 @@ std::vector<Rgba> ReadPalette(ByteReader& tail, int depth, int table)
     return depth > 32 ? GreyPalette(depth - 32) : SystemPalette(depth);
 }
 
-String Characters(std::uint32_t type)
+std::string Characters(std::uint32_t type)
 {
     std::string four;
     for (int shift = 24; shift >= 0; shift -= 8)
         four += FromMacRoman(static_cast<std::uint8_t>(type >> shift));
-    return String(four);
+    return four;
 }
 
 [[noreturn]] void Refuse(const Still& still)
@@ -68,8 +68,7 @@ String Characters(std::uint32_t type)
     std::string name;
     for (const char c : still.compressor)
         name += FromMacRoman(static_cast<std::uint8_t>(c));
-    const String shown = name.empty() ? Characters(still.type) : String(name);
-    throw UnsupportedFormatException("compression QuickTime « " + shown + " » inconnue");
+    throw Fault(Fault::QuickTimeCompressionUnknown, name.empty() ? Characters(still.type) : name);
 }
 
 // No compressor here makes more than a thousand pixels of a byte; what promises more only asks for memory.
@@ -79,7 +78,7 @@ void CheckPlausible(const Still& still, const Limits& limits)
     constexpr std::int64_t kMostPixelsOfAByte = 1024;
     const std::int64_t most = static_cast<std::int64_t>(still.data.size()) * kMostPixelsOfAByte;
     if (std::int64_t { still.width } * still.height > most)
-        throw UnsupportedFormatException("image QuickTime incomplète");
+        throw Fault(Fault::QuickTimeIncomplete);
 }
 
 } // namespace
@@ -88,7 +87,7 @@ Still ReadStill(ByteReader& in)
 {
     const std::size_t size = in.U32();
     if (size < kDescription)
-        throw UnsupportedFormatException("description QuickTime endommagée");
+        throw Fault(Fault::QuickTimeDescriptionDamaged);
     ByteReader description = in.Nested(size - 4);
     Still still;
     still.type = description.U32();

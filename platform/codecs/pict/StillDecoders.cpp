@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <span>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/pict/PixelMap.h"
 #include "platform/codecs/pict/PixelRows.h"
 
@@ -49,7 +49,7 @@ void DecodeRaw(const Still& still, StillPixels& pixels)
         return;
     }
     if (depth != 1 && depth != 2 && depth != 4 && depth != 8 && depth != 16 && depth != 32)
-        throw UnsupportedFormatException("profondeur d'image QuickTime inconnue");
+        throw Fault(Fault::QuickTimeDepthUnknown);
     PixelMap map;
     map.rowBytes = static_cast<int>(rowBytes);
     map.bounds = { 0, 0, still.width, still.height };

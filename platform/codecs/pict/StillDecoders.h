@@ -35,7 +35,7 @@ private:
     Rgba* rows;
 };
 
-/// Each fills `pixels` from the still's data and raises UnsupportedFormatException when a pixel is missing.
+/// Each fills `pixels` from the still's data and raises Fault when a pixel is missing.
 
 /// No compression: rows of whole words. Source: QuickTime File Format, "Uncompressed RGB".
 void DecodeRaw(const Still& still, StillPixels& pixels);

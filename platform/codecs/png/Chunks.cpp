@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/png/Checksum.h"
 
 namespace veltrane::codecs::png {
@@ -75,7 +75,7 @@ bool DepthFits(ColourType colour, int depth) noexcept
 Header ReadHeader(const Chunk& chunk)
 {
     if (chunk.type != kHeader || chunk.data.size() != kHeaderBytes || !chunk.Sound())
-        Damaged("en-tête");
+        throw Fault(Fault::PngHeaderDamaged);
     ByteReader in(chunk.data, std::endian::big);
     Header header;
     header.width = in.U32();
@@ -83,10 +83,10 @@ Header ReadHeader(const Chunk& chunk)
     header.depth = in.U8();
     header.colour = static_cast<ColourType>(in.U8());
     if (!DepthFits(header.colour, header.depth))
-        Damaged("type de couleur ou profondeur inconnus");
+        throw Fault(Fault::PngColourTypeOrDepthUnknown);
     const int compression = in.U8(), filter = in.U8(), interlace = in.U8();
     if (compression != 0 || filter != 0 || interlace > 1)
-        Damaged("méthode de codage inconnue");
+        throw Fault(Fault::PngMethodUnknown);
     header.interlaced = interlace == 1;
     return header;
 }
@@ -143,26 +143,26 @@ void ReadAncillary(const Chunk& chunk, Chunks& all)
 void ReadPalette(const Chunk& chunk, Chunks& all)
 {
     if (!chunk.Sound() || chunk.data.empty() || chunk.data.size() % 3 != 0 || chunk.data.size() > 3 * 256)
-        Damaged("palette");
+        throw Fault(Fault::PngPaletteDamaged);
     if (all.palette.empty())
         all.palette = chunk.data;
 }
 
-void ReadCritical(const Chunk& chunk, Chunks& all, DataCheck check)
+void ReadCritical(const Chunk& chunk, Chunks& all)
 {
     if (chunk.type == kData) {
-        if (check == DataCheck::Verify && !chunk.Sound())
-            Damaged("somme de contrôle des pixels");
+        if (!chunk.Sound())
+            throw Fault(Fault::PngDataChecksumWrong);
         ++all.dataChunks;
         all.dataBytes += chunk.data.size();
     } else if (chunk.type == kPalette && all.dataChunks == 0) {
         ReadPalette(chunk, all);
     } else if (!chunk.Sound()) {
-        Damaged("somme de contrôle");
+        throw Fault(Fault::PngChecksumWrong);
     } else if (chunk.type == kEnd) {
         all.ended = true;
     } else if (all.dataChunks == 0) {
-        Damaged("bloc inconnu");
+        throw Fault(Fault::PngChunkUnknown);
     }
 }
 
@@ -170,11 +170,11 @@ void CheckComplete(const Chunks& all)
 {
     if (all.dataChunks == 0) {
         if (all.ended)
-            Damaged("aucun pixel");
-        Incomplete();
+            throw Fault(Fault::PngDataMissing);
+        throw Fault(Fault::PngIncomplete);
     }
     if (all.header.colour == ColourType::Palette && all.palette.empty())
-        Damaged("palette absente");
+        throw Fault(Fault::PngPaletteMissing);
 }
 
 } // namespace
@@ -191,25 +191,25 @@ int Header::Channels() const noexcept
     return 4;
 }
 
-Chunks ReadChunks(Bytes file, DataCheck check)
+Chunks ReadChunks(Bytes file)
 {
     ByteReader in(file, std::endian::big);
     in.Skip(std::min(kSignature.size(), file.size()));
     Chunks all;
     Chunk chunk;
     if (ReadChunk(in, chunk) == Next::CutOff)
-        Incomplete();
+        throw Fault(Fault::PngIncomplete);
     all.header = ReadHeader(chunk);
     while (!all.ended) {
         const Next next = ReadChunk(in, chunk);
         if (next == Next::Nonsense && all.dataChunks == 0)
-            Damaged("structure");
+            throw Fault(Fault::PngStructureDamaged);
         if (next == Next::CutOff && chunk.type == kData)
-            Incomplete();
+            throw Fault(Fault::PngIncomplete);
         if (next != Next::Chunk)
             break; // behind the pixel data; whether they are all there shows when they are read
         if (chunk.Critical())
-            ReadCritical(chunk, all, check);
+            ReadCritical(chunk, all);
         else
             ReadAncillary(chunk, all);
     }
@@ -225,16 +225,6 @@ void ForEachData(Bytes file, const std::function<void(Bytes)>& take)
         if (chunk.type == kData)
             take(chunk.data);
     }
-}
-
-void Damaged(const char* what)
-{
-    throw UnsupportedFormatException(String("fichier PNG endommagé : ") + what);
-}
-
-void Incomplete()
-{
-    throw UnsupportedFormatException("fichier PNG incomplet");
 }
 
 } // namespace veltrane::codecs::png

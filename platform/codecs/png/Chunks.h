@@ -62,21 +62,12 @@ struct Chunks {
     bool ended = false; ///< IEND was seen
 };
 
-/// What to do with the pixel data's checksums.
-enum class DataCheck { Verify, Skip };
-
-/// Reads all chunks. Raises UnsupportedFormatException when the file is cut off before its pixel data ends,
-/// when a critical chunk is missing or fails its checksum, and when the header makes no sense. Damaged
-/// ancillary chunks and everything wrong behind the pixel data are passed over.
-[[nodiscard]] Chunks ReadChunks(Bytes file, DataCheck check);
+/// Reads all chunks. Raises Fault when the file is cut off before its pixel data ends, when a critical chunk
+/// is missing or fails its checksum, and when the header makes no sense. Damaged ancillary chunks and
+/// everything wrong behind the pixel data are passed over.
+[[nodiscard]] Chunks ReadChunks(Bytes file);
 
 /// Hands out the contents of the IDAT chunks, in order. Only for a file that ReadChunks accepted.
 void ForEachData(Bytes file, const std::function<void(Bytes)>& take);
-
-/// Raises UnsupportedFormatException: "fichier PNG endommagé : " and `what`.
-[[noreturn]] void Damaged(const char* what);
-
-/// Raises UnsupportedFormatException for a file that ends too early.
-[[noreturn]] void Incomplete();
 
 } // namespace veltrane::codecs::png

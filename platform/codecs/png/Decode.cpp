@@ -4,12 +4,11 @@
 #include <array>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <span>
 #include <vector>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/Exif.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/png/Chunks.h"
 #include "platform/codecs/png/Inflate.h"
 #include "platform/codecs/png/Rows.h"
@@ -124,8 +123,8 @@ void CheckLength(const Chunks& chunks)
     if (chunks.dataBytes >= StoredBytes(chunks.header) / kMostInflated)
         return;
     if (!chunks.ended)
-        Incomplete();
-    Damaged("trop peu de pixels");
+        throw Fault(Fault::PngIncomplete);
+    throw Fault(Fault::PngDataTooShort);
 }
 
 using Block = std::unique_ptr<std::uint8_t[]>;
@@ -145,11 +144,11 @@ void InflateInto(std::span<std::uint8_t> rows, Bytes file, const Chunks& chunks)
     }
     switch (InflateRows(stream, rows)) {
     case Inflated::Whole: return;
-    case Inflated::TooLittle: Damaged("trop peu de pixels");
+    case Inflated::TooLittle: throw Fault(Fault::PngDataTooShort);
     case Inflated::Broken:
         if (!chunks.ended)
-            Incomplete();
-        Damaged("pixels illisibles");
+            throw Fault(Fault::PngIncomplete);
+        throw Fault(Fault::PngDataDamaged);
     }
 }
 
@@ -317,7 +316,7 @@ private:
     static void CheckFilter(std::uint8_t filter)
     {
         if (filter >= kFilters)
-            Damaged("filtre inconnu");
+            throw Fault(Fault::PngFilterTypeUnknown);
     }
 
     const Chunks& chunks;
@@ -330,22 +329,12 @@ private:
 
 } // namespace
 
-Info ReadInfo(Bytes file, const Limits& limits)
-{
-    const Chunks chunks = ReadChunks(file, DataCheck::Skip);
-    CheckLimits(chunks, limits);
-    const Info info { chunks.header.width, chunks.header.height };
-    return SwapsSides(OrientationOf(chunks)) ? Info { info.height, info.width } : info;
-}
-
 Bitmap Decode(Bytes file, const Limits& limits)
-try {
-    const Chunks chunks = ReadChunks(file, DataCheck::Verify);
+{
+    const Chunks chunks = ReadChunks(file);
     CheckLimits(chunks, limits);
     CheckLength(chunks);
     return Upright(Decoder(chunks).Read(file), OrientationOf(chunks));
-} catch (const std::bad_alloc&) {
-    throw OutOfMemoryException("mémoire insuffisante pour cette image");
 }
 
 } // namespace veltrane::codecs::png

@@ -4,8 +4,7 @@
 
 namespace veltrane::codecs::png {
 
-/// What kPng's readInfo and decode do.
-[[nodiscard]] Info ReadInfo(Bytes file, const Limits& limits);
+/// What kPng's decode does.
 [[nodiscard]] Bitmap Decode(Bytes file, const Limits& limits);
 
 } // namespace veltrane::codecs::png

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
 #include <vector>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/png/Chunks.h"
 #include "platform/codecs/png/DeflateStream.h"
 #include "platform/codecs/png/FilterRow.h"
@@ -86,7 +84,7 @@ private:
 } // namespace
 
 void Encode(const Bitmap& picture, int, Sink& sink)
-try {
+{
     const Form form = FormOf(picture);
     sink.Write(kSignature);
     WriteHeader(sink, picture, form);
@@ -94,8 +92,6 @@ try {
         WritePalette(sink, form.palette);
     Encoder(picture, form, sink).WriteRows();
     WriteChunk(sink, Type("IEND"), {});
-} catch (const std::bad_alloc&) {
-    throw OutOfMemoryException("mémoire insuffisante pour écrire cette image");
 }
 
 } // namespace veltrane::codecs::png

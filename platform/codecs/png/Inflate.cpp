@@ -7,7 +7,7 @@
 #include <libdeflate.h>
 #include <zlib.h>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs::png {
 

@@ -18,6 +18,6 @@ bool Probe(Bytes head) noexcept
 
 } // namespace
 
-const Codec kPng { "PNG", Probe, png::ReadInfo, png::Decode, png::Encode };
+const Codec kPng { "PNG", Probe, png::Decode, png::Encode };
 
 } // namespace veltrane::codecs

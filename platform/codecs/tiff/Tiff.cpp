@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <new>
 #include <optional>
 #include <utility>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/tiff/TiffFile.h"
 #include "platform/codecs/tiff/TiffLibrary.h"
 #include "platform/codecs/tiff/TiffPage.h"
@@ -17,8 +15,6 @@
 namespace veltrane::codecs {
 
 namespace {
-
-constexpr const char* kNoMemory = "mémoire insuffisante pour cette image";
 
 bool Probe(Bytes head) noexcept
 {
@@ -37,19 +33,6 @@ void CheckLimits(const TiffFile& file, const TiffPage& page, const Limits& limit
         ? page.width * page.height * std::int64_t { Bitmap::kBytesPerPixel }
         : 0;
     limits.Check(page.width, page.height, WorkingBytes(file, page) + turned);
-}
-
-Info ReadInfo(Bytes bytes, const Limits& limits)
-{
-    try {
-        TiffFile file(bytes, limits);
-        const TiffPage page = ReadPage(file);
-        CheckLimits(file, page, limits);
-        return SwapsSides(page.orientation) ? Info { page.height, page.width }
-                                            : Info { page.width, page.height };
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException(kNoMemory);
-    }
 }
 
 Bitmap Paint(TiffFile& file, const TiffPage& page)
@@ -90,19 +73,15 @@ Bitmap ReadPixels(TiffFile& file, const TiffPage& page)
 
 Bitmap Decode(Bytes bytes, const Limits& limits)
 {
-    try {
-        TiffFile file(bytes, limits);
-        const TiffPage page = ReadPage(file);
-        CheckLimits(file, page, limits);
-        file.BeginPixels();
-        return Upright(ReadPixels(file, page), page.orientation);
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemoryException(kNoMemory);
-    }
+    TiffFile file(bytes, limits);
+    const TiffPage page = ReadPage(file);
+    CheckLimits(file, page, limits);
+    file.BeginPixels();
+    return Upright(ReadPixels(file, page), page.orientation);
 }
 
 } // namespace
 
-const Codec kTiff { "TIFF", Probe, ReadInfo, Decode, nullptr };
+const Codec kTiff { "TIFF", Probe, Decode, nullptr };
 
 } // namespace veltrane::codecs

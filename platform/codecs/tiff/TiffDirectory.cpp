@@ -4,8 +4,8 @@
 #include <array>
 #include <vector>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/ByteReader.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs {
 
@@ -78,7 +78,7 @@ public:
             const Entry entry = ReadEntry(in);
             const std::uint64_t size = SizeOfType(entry.type);
             if (size != 0 && entry.count > room / size)
-                throw UnsupportedFormatException("fichier TIFF endommagé");
+                throw Fault(Fault::TiffDamaged);
             room -= size * entry.count;
             Note(entry, directory);
         }
@@ -153,7 +153,7 @@ private:
             ByteReader in = At(entry.value);
             for (std::uint64_t i = 0; i < entry.count && i < kMostPages; ++i)
                 children.push_back(SizeOfType(entry.type) == 8 ? U64(in) : in.U32());
-        } catch (const UnsupportedFormatException&) {
+        } catch (const Fault&) {
             // Pages beside the main ones: what can be found of them is enough.
         }
         return children;
@@ -186,7 +186,7 @@ Directory SearchFrom(const Walker& walker, const Directory& first)
             if (IsFullPicture(at))
                 return at;
         }
-    } catch (const UnsupportedFormatException&) {
+    } catch (const Fault&) {
         return first;
     }
     return first;
@@ -200,10 +200,9 @@ TiffDirectory FindPage(Bytes file)
         const Walker walker(file);
         const Directory first = walker.Read(walker.First());
         return IsFullPicture(first) ? first.page : SearchFrom(walker, first).page;
-    } catch (const UnsupportedFormatException& failure) {
+    } catch (const Fault& fault) {
         // The reader speaks of any file.
-        const bool cut = failure.Message().Bytes() == "fichier incomplet";
-        throw UnsupportedFormatException(cut ? "fichier TIFF incomplet" : "fichier TIFF endommagé");
+        throw Fault(fault.code == Fault::Incomplete ? Fault::TiffIncomplete : Fault::TiffDamaged);
     }
 }
 

@@ -15,7 +15,7 @@ struct TiffDirectory {
 };
 
 /// The directory of the page to show: the first full-size one, else the first of all. Raises
-/// UnsupportedFormatException when the first directory cannot be read, and when a directory's values could
+/// Fault when the first directory cannot be read, and when a directory's values could
 /// not lie in the file without covering each other: the library would copy every one of them.
 [[nodiscard]] TiffDirectory FindPage(Bytes file);
 

@@ -7,7 +7,7 @@
 
 #include <tiffio.h>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs {
 
@@ -99,7 +99,7 @@ TiffFile::TiffFile(Bytes file, const Limits& limits)
     source->bytes = file;
     const std::unique_ptr<TIFFOpenOptions, OptionsFree> options(TIFFOpenOptionsAlloc());
     if (!options)
-        throw OutOfMemoryException("mémoire insuffisante pour cette image");
+        throw Fault(Fault::NoMemory);
     // The page's own needs are checked before they arise; this bounds what a tag makes the library take.
     constexpr std::int64_t kAlwaysFine = 16 << 20;
     TIFFOpenOptionsSetMaxSingleMemAlloc(
@@ -111,8 +111,7 @@ TiffFile::TiffFile(Bytes file, const Limits& limits)
     handle.reset(TIFFClientOpenExt("", "rhcmD", source.get(), Source::Read, Source::Write, Source::Seek,
         Source::Close, Source::Size, nullptr, nullptr, options.get()));
     if (!handle || TIFFSetSubDirectory(handle.get(), page.offset) == 0)
-        throw UnsupportedFormatException(
-            source->ranShort ? "fichier TIFF incomplet" : "fichier TIFF endommagé");
+        throw Fault(source->ranShort ? Fault::TiffIncomplete : Fault::TiffDamaged);
 }
 
 TiffFile::~TiffFile() = default;
@@ -131,8 +130,7 @@ void TiffFile::BeginPixels() noexcept
 void TiffFile::CheckPixels(bool fine) const
 {
     if (!fine || source->damaged)
-        throw UnsupportedFormatException(
-            source->ranShort ? "fichier TIFF incomplet" : "fichier TIFF endommagé");
+        throw Fault(source->ranShort ? Fault::TiffIncomplete : Fault::TiffDamaged);
 }
 
 } // namespace veltrane::codecs

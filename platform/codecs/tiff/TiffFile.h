@@ -16,7 +16,7 @@ namespace veltrane::codecs {
 /// the library's complaints about pixels are kept, because some of its decoders only complain.
 class TiffFile {
 public:
-    /// `file` must outlive it. Raises UnsupportedFormatException when no page can be read, and what
+    /// `file` must outlive it. Raises Fault when no page can be read, and what
     /// Limits::Check raises for the page's sides.
     TiffFile(Bytes file, const Limits& limits);
     ~TiffFile();
@@ -30,7 +30,7 @@ public:
     /// From here on, complaints are about pixels.
     void BeginPixels() noexcept;
 
-    /// Raises UnsupportedFormatException when `fine` is false or the library has complained about pixels.
+    /// Raises Fault when `fine` is false or the library has complained about pixels.
     void CheckPixels(bool fine) const;
 
 private:

@@ -5,8 +5,8 @@
 
 #include <tiffio.h>
 
-#include "platform/Exceptions.h"
 #include "platform/codecs/Colour.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs {
 
@@ -19,7 +19,7 @@ public:
         std::array<char, 1024> reason {};
         constexpr int kStopOnError = 1;
         if (TIFFRGBAImageBegin(&image, file, kStopOnError, reason.data()) == 0)
-            throw UnsupportedFormatException("couleurs TIFF non prises en charge");
+            throw Fault(Fault::TiffPhotometricNotSupported);
         image.req_orientation = image.orientation; // as stored; turning upright is ours
     }
     ~Reader() { TIFFRGBAImageEnd(&image); }

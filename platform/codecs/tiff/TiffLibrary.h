@@ -7,7 +7,7 @@
 namespace veltrane::codecs {
 
 /// The page as the library's own reader paints it, as stored: for TiffColour::Library.
-/// Raises UnsupportedFormatException when it cannot, OutOfMemoryException when the pixels do not fit.
+/// Raises Fault when it cannot, or when the pixels do not fit.
 [[nodiscard]] Bitmap ReadByLibrary(TiffFile& file, const TiffPage& page);
 
 } // namespace veltrane::codecs

@@ -5,7 +5,7 @@
 
 #include <tiffio.h>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 
 namespace veltrane::codecs {
 
@@ -76,7 +76,7 @@ TiffColour ColourOf(TIFF* file, unsigned photometric, const TiffPage& page)
     case PHOTOMETRIC_ITULAB: return TiffColour::ItuLab;
     case PHOTOMETRIC_LOGL:
     case PHOTOMETRIC_LOGLUV: return TiffColour::Library;
-    default: throw UnsupportedFormatException("couleurs TIFF non prises en charge");
+    default: throw Fault(Fault::TiffPhotometricNotSupported);
     }
 }
 
@@ -98,7 +98,7 @@ TiffNumbers NumbersOf(TIFF* file)
     case SAMPLEFORMAT_VOID: return TiffNumbers::Unsigned;
     case SAMPLEFORMAT_INT: return TiffNumbers::Signed;
     case SAMPLEFORMAT_IEEEFP: return TiffNumbers::Float;
-    default: throw UnsupportedFormatException("nombres TIFF non pris en charge");
+    default: throw Fault(Fault::TiffSampleFormatNotSupported);
     }
 }
 
@@ -159,7 +159,7 @@ void FindPalette(TIFF* file, TiffPage& page)
     if (page.colour != TiffColour::Palette)
         return;
     if (TIFFGetField(file, TIFFTAG_COLORMAP, &red, &green, &blue) == 0)
-        throw UnsupportedFormatException("fichier TIFF endommagé");
+        throw Fault(Fault::TiffDamaged);
     page.palette = { red, green, blue };
 }
 
@@ -175,7 +175,7 @@ void CheckInks(TIFF* file, const TiffPage& page)
 {
     if (page.colour == TiffColour::Inks && Number(file, TIFFTAG_INKSET, INKSET_CMYK) != INKSET_CMYK
         && page.samples != page.colours)
-        throw UnsupportedFormatException("encres TIFF non prises en charge");
+        throw Fault(Fault::TiffInkSetNotSupported);
 }
 
 } // namespace
@@ -194,7 +194,7 @@ TiffPage ReadPage(TiffFile& opened)
         && Number(file, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_SEPARATE;
     page.tiled = TIFFIsTiled(file) != 0;
     if (TIFFIsCODECConfigured(static_cast<std::uint16_t>(page.compression)) == 0)
-        throw UnsupportedFormatException("compression TIFF non prise en charge");
+        throw Fault(Fault::TiffCompressionNotSupported);
 
     const unsigned photometric = Photometric(opened, page);
     page.colour = ColourOf(file, photometric, page);
@@ -202,7 +202,7 @@ TiffPage ReadPage(TiffFile& opened)
     page.minIsWhite = photometric == PHOTOMETRIC_MINISWHITE;
     page.numbers = IsLab(page.colour) ? TiffNumbers::Unsigned : NumbersOf(file);
     if (!CanRead(page))
-        throw UnsupportedFormatException("pixels TIFF non pris en charge");
+        throw Fault(Fault::TiffSamplesNotSupported);
     CheckInks(file, page);
     FindAlpha(opened, page);
     FindRange(file, page);

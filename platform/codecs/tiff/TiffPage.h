@@ -49,7 +49,7 @@ struct TiffPage {
     std::array<const std::uint16_t*, 3> palette {}; ///< red, green, blue: 2^bits numbers each; same validity
 };
 
-/// Reads the page at which `file` is open. Raises UnsupportedFormatException for a page of a kind that is
+/// Reads the page at which `file` is open. Raises Fault for a page of a kind that is
 /// not read; sides are not checked.
 [[nodiscard]] TiffPage ReadPage(TiffFile& file);
 

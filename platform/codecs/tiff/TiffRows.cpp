@@ -6,7 +6,7 @@
 
 #include <tiffio.h>
 
-#include "platform/Exceptions.h"
+#include "platform/codecs/Fault.h"
 #include "platform/codecs/PixelBlock.h"
 #include "platform/codecs/tiff/TiffJbig.h"
 #include "platform/codecs/tiff/TiffLzw.h"
@@ -38,7 +38,7 @@ Grid GridOf(TIFF* file, const TiffPage& page)
     else
         grid.height = std::min(grid.height, static_cast<std::uint64_t>(page.height));
     if (grid.width == 0 || grid.height == 0)
-        throw UnsupportedFormatException("fichier TIFF endommagé");
+        throw Fault(Fault::TiffDamaged);
     grid.rowBytes = (grid.width * page.bits * (page.planar ? 1 : page.samples) + 7) / 8;
     return grid;
 }
@@ -179,7 +179,7 @@ private:
         // The library hands JBIG the bits the other way round than it is told they lie.
         if (!FitsJbig(contents.subspan(offset), FillOrder(tiff) == FILLORDER_MSB2LSB, grid.width, rows,
                 grid.height))
-            throw UnsupportedFormatException("fichier TIFF endommagé");
+            throw Fault(Fault::TiffDamaged);
     }
 
     [[nodiscard]] const std::uint8_t* PlainPiece(std::uint32_t index, std::uint64_t bytes) const
@@ -188,9 +188,9 @@ private:
         const std::uint64_t told = TIFFGetStrileByteCount(tiff, index);
         const Bytes contents = file.Contents();
         if (offset == 0 || told < bytes)
-            throw UnsupportedFormatException("fichier TIFF endommagé");
+            throw Fault(Fault::TiffDamaged);
         if (offset > contents.size() || bytes > contents.size() - offset)
-            throw UnsupportedFormatException("fichier TIFF incomplet");
+            throw Fault(Fault::TiffIncomplete);
         return contents.data() + offset;
     }
 
@@ -232,7 +232,7 @@ void CheckRowSize(TIFF* file, const TiffPage& page, const Grid& grid)
 {
     const std::uint64_t told = page.tiled ? TIFFTileRowSize64(file) : TIFFScanlineSize64(file);
     if (told != grid.rowBytes)
-        throw UnsupportedFormatException("pixels TIFF non pris en charge");
+        throw Fault(Fault::TiffSamplesNotSupported);
 }
 
 } // namespace
@@ -257,11 +257,11 @@ std::int64_t WorkingBytes(const TiffFile& file, const TiffPage& page)
         = (static_cast<std::uint64_t>(page.width) * page.bits * page.samples + 7) / 8 * height;
     if (page.compression == COMPRESSION_NONE && page.colour != TiffColour::Library
         && stored > file.Contents().size())
-        throw UnsupportedFormatException("fichier TIFF incomplet");
+        throw Fault(Fault::TiffIncomplete);
     // The first test keeps the product of the second from running over.
     if (grid.width > UINT32_MAX / 8 || grid.rowBytes > INT64_MAX / grid.height / planes
         || grid.Bytes() > kAlwaysFine + stored * 4)
-        throw UnsupportedFormatException("fichier TIFF endommagé");
+        throw Fault(Fault::TiffDamaged);
     if (page.colour != TiffColour::Library)
         CheckRowSize(file.Handle(), page, grid);
     const bool plain = LiesPlain(file.Handle(), page);
