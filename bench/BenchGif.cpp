@@ -13,12 +13,12 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/codecs/gif/Gif.h"
+#include "imaging/gif/Gif.h"
 
 using namespace veltrane;
-using codecs::Bitmap;
-using codecs::kGif;
-using codecs::Limits;
+using imaging::Bitmap;
+using imaging::kGif;
+using imaging::Limits;
 using File = std::vector<std::uint8_t>;
 
 namespace {
@@ -76,7 +76,7 @@ const File& Picture()
 
 int Take(GifFileType* gif, GifByteType* to, int count)
 {
-    auto& rest = *static_cast<codecs::Bytes*>(gif->UserData);
+    auto& rest = *static_cast<imaging::Bytes*>(gif->UserData);
     const std::size_t given = std::min(static_cast<std::size_t>(count), rest.size());
     std::copy_n(rest.begin(), given, to);
     rest = rest.subspan(given);
@@ -85,7 +85,7 @@ int Take(GifFileType* gif, GifByteType* to, int count)
 
 void BareDecode(const File& file, Bitmap& picture)
 {
-    codecs::Bytes rest(file);
+    imaging::Bytes rest(file);
     GifFileType* const gif = DGifOpen(&rest, Take, nullptr);
     GifRecordType type = UNDEFINED_RECORD_TYPE;
     while (DGifGetRecordType(gif, &type) == GIF_OK && type == EXTENSION_RECORD_TYPE) {

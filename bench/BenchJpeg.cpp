@@ -14,19 +14,19 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/codecs/jpeg/Jpeg.h"
+#include "imaging/jpeg/Jpeg.h"
 
 using namespace veltrane;
-using codecs::Bitmap;
-using codecs::kJpeg;
-using codecs::Limits;
+using imaging::Bitmap;
+using imaging::kJpeg;
+using imaging::Limits;
 using File = std::vector<std::uint8_t>;
 
 namespace {
 
-struct Collector final : codecs::Sink {
+struct Collector final : imaging::Sink {
     File bytes;
-    void Write(codecs::Bytes more) override { bytes.insert(bytes.end(), more.begin(), more.end()); }
+    void Write(imaging::Bytes more) override { bytes.insert(bytes.end(), more.begin(), more.end()); }
 };
 
 // Slopes, edges and a little noise: about what a photograph costs to code.

@@ -17,18 +17,18 @@
 #include <png.h>
 #include <spng.h>
 
-#include "platform/codecs/png/Png.h"
+#include "imaging/png/Png.h"
 
 using namespace veltrane;
-using codecs::Bitmap;
-using codecs::kPng;
+using imaging::Bitmap;
+using imaging::kPng;
 using File = std::vector<std::uint8_t>;
 
 namespace {
 
-class MemorySink final : public codecs::Sink {
+class MemorySink final : public imaging::Sink {
 public:
-    void Write(codecs::Bytes more) override { bytes.insert(bytes.end(), more.begin(), more.end()); }
+    void Write(imaging::Bytes more) override { bytes.insert(bytes.end(), more.begin(), more.end()); }
     File bytes;
 };
 
@@ -90,7 +90,7 @@ Bitmap FromFile(const char* variable, Bitmap (*make)(int, int))
         return make(3000, 2000);
     std::ifstream stream(name, std::ios::binary);
     const File file(std::istreambuf_iterator<char>(stream), {});
-    return kPng.decode(file, codecs::Limits {});
+    return kPng.decode(file, imaging::Limits {});
 }
 
 const Bitmap& Picture(bool photo)
@@ -160,7 +160,7 @@ void DecodeOurs(benchmark::State& state, bool photo)
 {
     const File file = EncodeLibpng(Picture(photo));
     for (auto _ : state)
-        benchmark::DoNotOptimize(kPng.decode(file, codecs::Limits {}));
+        benchmark::DoNotOptimize(kPng.decode(file, imaging::Limits {}));
     CountPixels(state, Picture(photo));
 }
 

@@ -5,7 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/Scaler.h"
+#include "imaging/pixels/Scaler.h"
 #include "platform/qt/bench/PeerScaler.h"
 
 using namespace veltrane;
@@ -16,11 +16,11 @@ constexpr int kShownWidth = 457, kShownHeight = 343;
 
 enum Kind : std::int64_t { Opaque, Transparent };
 
-codecs::Bitmap Photo(const benchmark::State& state)
+imaging::Bitmap Photo(const benchmark::State& state)
 {
     const auto width = static_cast<int>(state.range(0)), height = static_cast<int>(state.range(1));
     const std::int64_t kind = state.range(2);
-    codecs::Bitmap picture = codecs::Bitmap::Uninitialised(width, height);
+    imaging::Bitmap picture = imaging::Bitmap::Uninitialised(width, height);
     std::uint8_t* pixel = picture.Writable();
     std::uint32_t noise = 1;
     for (int y = 0; y < height; ++y) {
@@ -38,11 +38,11 @@ codecs::Bitmap Photo(const benchmark::State& state)
 
 void Ours(benchmark::State& state)
 {
-    const codecs::Bitmap picture = Photo(state);
+    const imaging::Bitmap picture = Photo(state);
     const auto width = static_cast<double>(picture.Width()), height = static_cast<double>(picture.Height());
     std::vector<std::uint8_t> shown(std::size_t { kShownWidth } * kShownHeight * 4);
     for (auto _ : state) {
-        ScaleByArea(picture, { 0, 0, width, height },
+        imaging::ScaleByArea(picture, { 0, 0, width, height },
             { shown.data(), kShownWidth, kShownHeight, std::size_t { kShownWidth } * 4 });
         benchmark::DoNotOptimize(shown.data());
     }
@@ -50,7 +50,7 @@ void Ours(benchmark::State& state)
 
 void Toolkits(benchmark::State& state)
 {
-    const codecs::Bitmap picture = Photo(state);
+    const imaging::Bitmap picture = Photo(state);
     const qt::PeerScaler peer(picture);
     for (auto _ : state)
         benchmark::DoNotOptimize(peer.Scale(kShownWidth, kShownHeight));

@@ -10,12 +10,12 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/codecs/tiff/Tiff.h"
+#include "imaging/tiff/Tiff.h"
 
 using namespace veltrane;
-using codecs::Bitmap;
-using codecs::kTiff;
-using codecs::Limits;
+using imaging::Bitmap;
+using imaging::kTiff;
+using imaging::Limits;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "filetypes/FileType.h"
 
-#include "platform/FileTypes.h"
+#include "platform/files/FileTypes.h"
 
 namespace veltrane {
 

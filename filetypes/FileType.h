@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Ref.h"
-#include "platform/String.h"
+#include "platform/values/Ref.h"
+#include "platform/values/String.h"
 
 namespace veltrane {
 

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "filetypes/FileType.h"
-#include "platform/Ref.h"
-#include "platform/String.h"
+#include "platform/values/Ref.h"
+#include "platform/values/String.h"
 
 namespace veltrane {
 

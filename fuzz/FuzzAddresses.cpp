@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/UriList.h"
+#include "platform/files/UriList.h"
 
 using namespace veltrane;
 

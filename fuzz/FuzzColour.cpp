@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "platform/codecs/Colour.h"
+#include "imaging/colour/Colour.h"
 
 using namespace veltrane;
-using codecs::ColourTransform;
-using codecs::Samples;
+using imaging::ColourTransform;
+using imaging::Samples;
 
 namespace {
 
@@ -24,16 +24,16 @@ constexpr std::array<std::pair<Samples, std::size_t>, 5> kSamples { {
 } };
 
 // Chunks count in hundred-thousandths; missing bytes are 0.
-std::shared_ptr<const ColourTransform> FromChunks(codecs::Bytes chunks, Samples samples)
+std::shared_ptr<const ColourTransform> FromChunks(imaging::Bytes chunks, Samples samples)
 {
     std::array<std::uint32_t, 9> numbers {};
     if (!chunks.empty())
         std::memcpy(numbers.data(), chunks.data(), std::min(chunks.size(), sizeof numbers));
     const auto at = [&numbers](std::size_t index) {
-        return codecs::Chromaticity { numbers[index] / 100'000.0, numbers[index + 1] / 100'000.0 };
+        return imaging::Chromaticity { numbers[index] / 100'000.0, numbers[index + 1] / 100'000.0 };
     };
     return ColourTransform::FromGamma(
-        numbers[0] / 100'000.0, codecs::Primaries { at(1), at(3), at(5), at(7) }, samples);
+        numbers[0] / 100'000.0, imaging::Primaries { at(1), at(3), at(5), at(7) }, samples);
 }
 
 // Blocks of their own, so that a byte too many is seen; more pixels than any vector has lanes.
@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size == 0)
         return 0;
-    const codecs::Bytes file(data, size);
+    const imaging::Bytes file(data, size);
     const std::uint8_t choice = file.back();
     const auto [samples, bytesPerPixel] = kSamples[choice % kSamples.size()];
     const bool chunks = choice >= 128 && (samples == Samples::Rgba8 || samples == Samples::Rgba16);

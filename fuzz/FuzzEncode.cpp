@@ -8,23 +8,23 @@
 #include <cstring>
 #include <vector>
 
-#include "platform/codecs/Codec.h"
+#include "imaging/Codec.h"
 
 using namespace veltrane;
-using codecs::Bitmap;
+using imaging::Bitmap;
 
 namespace {
 
-class Memory final : public codecs::Sink {
+class Memory final : public imaging::Sink {
 public:
-    void Write(codecs::Bytes bytes) override { held.insert(held.end(), bytes.begin(), bytes.end()); }
+    void Write(imaging::Bytes bytes) override { held.insert(held.end(), bytes.begin(), bytes.end()); }
     std::vector<std::uint8_t> held;
 };
 
 /// Repeats its bytes without end.
 class Source {
 public:
-    explicit Source(codecs::Bytes bytes) : bytes(bytes) { }
+    explicit Source(imaging::Bytes bytes) : bytes(bytes) { }
     std::uint8_t Next()
     {
         if (bytes.empty())
@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    codecs::Bytes bytes;
+    imaging::Bytes bytes;
     std::size_t at = 0;
 };
 
@@ -54,7 +54,7 @@ void Fill(std::uint8_t* pixel, int kind, Source& source)
     }
 }
 
-Bitmap Picture(codecs::Bytes head, codecs::Bytes rest)
+Bitmap Picture(imaging::Bytes head, imaging::Bytes rest)
 {
     const bool large = head[1] >= 0xF0; // beyond what encoders take for small; seldom, for its time
     const int width = 1 + head[0] + 256 * (head[1] % 4), height = (1 + head[2] % 16) * (large ? 64 : 1);
@@ -75,7 +75,7 @@ bool Same(const Bitmap& a, const Bitmap& b)
 {
     if (a.Width() != b.Width() || a.Height() != b.Height())
         return false;
-    const bool exact = codecs::CODEC.name == "PNG";
+    const bool exact = imaging::CODEC.name == "PNG";
     return !exact || std::memcmp(a.Row(0), b.Row(0), a.Stride() * static_cast<std::size_t>(a.Height())) == 0;
 }
 
@@ -88,8 +88,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const Bitmap picture = Picture({ data, kHead }, { data + kHead, size - kHead });
     Memory file;
-    codecs::CODEC.encode(picture, data[4] % 102 - 1, file);
-    if (!Same(codecs::CODEC.decode(file.held, {}), picture))
+    imaging::CODEC.encode(picture, data[4] % 102 - 1, file);
+    if (!Same(imaging::CODEC.decode(file.held, {}), picture))
         __builtin_trap();
     return 0;
 }

@@ -5,7 +5,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "platform/TextStreams.h"
+#include "platform/files/TextStreams.h"
 
 using namespace veltrane;
 

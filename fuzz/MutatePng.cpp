@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/codecs/png/Checksum.h"
+#include "imaging/deflate/Checksum.h"
 
 using namespace veltrane;
 
@@ -32,7 +32,7 @@ void SetChecksums(std::uint8_t* data, std::size_t size)
         const std::size_t length = Number(data + at);
         if (length > size - at - kAround)
             return;
-        PutNumber(data + at + 8 + length, codecs::png::ChecksumOf({ data + at + 4, length + 4 }));
+        PutNumber(data + at + 8 + length, imaging::png::ChecksumOf({ data + at + 4, length + 4 }));
         at += kAround + length;
     }
 }

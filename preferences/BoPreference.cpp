@@ -1,8 +1,8 @@
 #include "preferences/BoPreference.h"
 
-#include "platform/Application.h"
-#include "platform/Runtime.h"
-#include "platform/TextStreams.h"
+#include "platform/files/TextStreams.h"
+#include "platform/run/Application.h"
+#include "platform/run/Runtime.h"
 
 namespace veltrane {
 

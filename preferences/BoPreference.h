@@ -3,8 +3,8 @@
 #include <concepts>
 #include <cstdint>
 
-#include "platform/Dictionary.h"
-#include "platform/String.h"
+#include "platform/values/Dictionary.h"
+#include "platform/values/String.h"
 
 namespace veltrane {
 

@@ -1,6 +1,6 @@
 #include "shell/App.h"
 
-#include "platform/Runtime.h"
+#include "platform/run/Runtime.h"
 #include "preferences/BoPreference.h"
 #include "window/WVeltrane.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Application.h"
+#include "platform/run/Application.h"
 
 namespace veltrane {
 

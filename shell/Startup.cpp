@@ -1,7 +1,7 @@
 #include "shell/Startup.h"
 
 #include "filetypes/Image.h"
-#include "platform/Runtime.h"
+#include "platform/run/Runtime.h"
 #include "shell/App.h"
 #include "shell/MainMenuBar.h"
 #include "window/WVeltrane.h"

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "platform/Confinement.h"
-#include "platform/FolderItem.h"
-#include "platform/Process.h"
-#include "platform/Runtime.h"
-#include "platform/UriList.h"
-#include "platform/qt/OneWindow.h"
+#include "platform/files/FolderItem.h"
+#include "platform/files/UriList.h"
+#include "platform/process/Confinement.h"
+#include "platform/process/Process.h"
 #include "platform/qt/QtToolkit.h"
+#include "platform/qt/onewindow/OneWindow.h"
+#include "platform/run/Runtime.h"
 #include "shell/Startup.h"
 
 using namespace veltrane;

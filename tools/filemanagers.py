@@ -14,7 +14,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tests/window"))
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tests/program"))
 
 import pictures
 import table

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Rect.h"
+#include "platform/widgets/Rect.h"
 
 namespace veltrane {
 

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "platform/Properties.h"
+#include "platform/widgets/Properties.h"
 
 namespace veltrane::form {
 

@@ -1,6 +1,6 @@
 #include "window/WVeltrane.h"
 
-#include "platform/Runtime.h"
+#include "platform/run/Runtime.h"
 #include "shell/MainMenuBar.h"
 #include "window/Form.h"
 

@@ -3,16 +3,16 @@
 #include <cstdint>
 #include <span>
 
-#include "platform/Canvas.h"
-#include "platform/CheckBox.h"
-#include "platform/DragItem.h"
-#include "platform/FolderItem.h"
-#include "platform/GroupBox.h"
-#include "platform/Label.h"
-#include "platform/Menu.h"
-#include "platform/Picture.h"
-#include "platform/Slider.h"
-#include "platform/Window.h"
+#include "platform/files/FolderItem.h"
+#include "platform/pictures/Picture.h"
+#include "platform/widgets/Canvas.h"
+#include "platform/widgets/CheckBox.h"
+#include "platform/widgets/DragItem.h"
+#include "platform/widgets/GroupBox.h"
+#include "platform/widgets/Label.h"
+#include "platform/widgets/Menu.h"
+#include "platform/widgets/Slider.h"
+#include "platform/widgets/Window.h"
 
 namespace veltrane {
 

@@ -1,6 +1,6 @@
 #include "filetypes/Image.h"
-#include "platform/Runtime.h"
-#include "platform/Text.h"
+#include "platform/run/Runtime.h"
+#include "platform/values/Text.h"
 #include "preferences/BoPreference.h"
 #include "window/Fit.h"
 #include "window/WVeltrane.h"

@@ -1,9 +1,9 @@
 #include "platform/none/NoneToolkit.h"
 
-#include "platform/Canvas.h"
-#include "platform/Picture.h"
-#include "platform/Runtime.h"
-#include "platform/Window.h"
+#include "platform/pictures/Picture.h"
+#include "platform/run/Runtime.h"
+#include "platform/widgets/Canvas.h"
+#include "platform/widgets/Window.h"
 
 namespace veltrane {
 

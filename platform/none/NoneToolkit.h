@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/Graphics.h"
-#include "platform/Rect.h"
-#include "platform/Toolkit.h"
+#include "platform/pictures/Graphics.h"
+#include "platform/run/Toolkit.h"
+#include "platform/widgets/Rect.h"
 
 namespace veltrane {
 

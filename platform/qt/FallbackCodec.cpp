@@ -6,18 +6,18 @@
 #include <climits>
 #include <cstring>
 
-#include "platform/codecs/Codec.h"
-#include "platform/codecs/Fault.h"
+#include "imaging/Codec.h"
+#include "imaging/Fault.h"
 #include "platform/qt/QtToolkit.h"
 
 namespace veltrane {
 
 namespace {
 
-using codecs::Bitmap;
-using codecs::Bytes;
-using codecs::Fault;
-using codecs::Limits;
+using imaging::Bitmap;
+using imaging::Bytes;
+using imaging::Fault;
+using imaging::Limits;
 
 void PassOver(QtMsgType, const QMessageLogContext&, const QString&) { }
 
@@ -152,13 +152,13 @@ Bitmap Decode(Bytes file, const Limits& limits)
     return Copy(Read(reader, limits));
 }
 
-constexpr codecs::Codec kFallback { "Qt", Probe, Decode, nullptr };
+constexpr imaging::Codec kFallback { "Qt", Probe, Decode, nullptr };
 
 } // namespace
 
 void RegisterQtFallback()
 {
-    codecs::RegisterFallback(&kFallback);
+    imaging::RegisterFallback(&kFallback);
 }
 
 } // namespace veltrane

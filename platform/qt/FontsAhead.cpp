@@ -3,7 +3,7 @@
 #include <csignal>
 #include <system_error>
 
-#include "platform/codecs/pict/FontConfiguration.h"
+#include "imaging/pict/text/FontConfiguration.h"
 
 namespace veltrane::qt {
 
@@ -32,7 +32,7 @@ FontsAhead::FontsAhead() noexcept
 {
     const SignalsHeld held;
     try {
-        reader = std::jthread(codecs::pict::ReadFontConfiguration);
+        reader = std::jthread(imaging::pict::ReadFontConfiguration);
     } catch (const std::system_error&) {
         // The toolkit reads them itself.
     }

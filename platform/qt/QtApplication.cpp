@@ -7,14 +7,14 @@
 #include <QPixmap>
 #include <QSessionManager>
 
-#include "platform/Faults.h"
-#include "platform/FolderItem.h"
-#include "platform/Runtime.h"
-#include "platform/UriList.h"
-#include "platform/codecs/Bitmap.h"
-#include "platform/codecs/png/Png.h"
-#include "platform/qt/ClearStyle.h"
-#include "platform/qt/Edge.h"
+#include "imaging/pixels/Bitmap.h"
+#include "imaging/png/Png.h"
+#include "platform/files/FolderItem.h"
+#include "platform/files/UriList.h"
+#include "platform/pictures/Faults.h"
+#include "platform/qt/widgets/ClearStyle.h"
+#include "platform/qt/widgets/Edge.h"
+#include "platform/run/Runtime.h"
 
 // A library's own resources wait to be asked for; the macro wants to stand outside of name spaces.
 static void ProvideIcon()
@@ -39,10 +39,10 @@ QPixmap OwnPicture(const QString& name)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     const QByteArray bytes = file.readAll();
-    const codecs::Bytes png(
+    const imaging::Bytes png(
         reinterpret_cast<const std::uint8_t*>(bytes.constData()), static_cast<std::size_t>(bytes.size()));
     return WithPixels([png] {
-        const codecs::Bitmap picture = codecs::kPng.decode(png, {});
+        const imaging::Bitmap picture = imaging::kPng.decode(png, {});
         const QImage image(picture.Row(0), picture.Width(), picture.Height(),
             static_cast<qsizetype>(picture.Stride()), QImage::Format_RGBA8888);
         return QPixmap::fromImage(image);

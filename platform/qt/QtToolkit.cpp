@@ -5,16 +5,16 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "platform/Runtime.h"
-#include "platform/qt/Accessibility.h"
 #include "platform/qt/FontsAhead.h"
-#include "platform/qt/MainWindow.h"
-#include "platform/qt/MessageBox.h"
-#include "platform/qt/OneWindow.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtWindowPeer.h"
 #include "platform/qt/Signals.h"
 #include "platform/qt/Turns.h"
+#include "platform/qt/onewindow/OneWindow.h"
+#include "platform/qt/widgets/Accessibility.h"
+#include "platform/qt/widgets/MainWindow.h"
+#include "platform/qt/widgets/MessageBox.h"
+#include "platform/run/Runtime.h"
 
 namespace veltrane {
 

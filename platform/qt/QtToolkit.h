@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/Toolkit.h"
+#include "platform/run/Toolkit.h"
 
 namespace veltrane {
 

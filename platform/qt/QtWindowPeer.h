@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Toolkit.h"
-#include "platform/qt/MainWindow.h"
+#include "platform/qt/widgets/MainWindow.h"
+#include "platform/run/Toolkit.h"
 
 namespace veltrane::qt {
 

@@ -6,7 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "platform/qt/Edge.h"
+#include "platform/qt/widgets/Edge.h"
 
 namespace veltrane::qt {
 

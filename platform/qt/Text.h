@@ -3,7 +3,7 @@
 #include <QString>
 #include <string_view>
 
-#include "platform/String.h"
+#include "platform/values/String.h"
 
 namespace veltrane::qt {
 

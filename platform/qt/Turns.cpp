@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "platform/Runtime.h"
-#include "platform/qt/Edge.h"
+#include "platform/qt/widgets/Edge.h"
+#include "platform/run/Runtime.h"
 
 namespace veltrane::qt {
 

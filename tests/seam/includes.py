@@ -25,12 +25,12 @@ def may_include(path, header):
     if TOOLKIT.match(header) and not path.startswith(("platform/qt/", "tests/qt/", *COMPARING)):
         return "the toolkit belongs to platform/qt"
     if CODEC.match(header) and not path.startswith(COMPARING):
-        if not path.startswith("platform/codecs/"):
-            return "codec libraries belong to platform/codecs"
+        if not path.startswith("imaging/"):
+            return "codec libraries belong to imaging"
         if not path.endswith(".cpp"):
             return "a header must not lead to a codec library"
-    if path.startswith("platform/codecs/") and header.startswith("platform/"):
-        if not header.startswith("platform/codecs/"):
+    if path.startswith("imaging/") and header.startswith("platform/"):
+        if not header.startswith("imaging/"):
             return "the codecs know nothing of the seam"
     return ""
 

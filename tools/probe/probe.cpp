@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/Faults.h"
-#include "platform/Picture.h"
-#include "platform/codecs/Bytes.h"
+#include "imaging/bits/Bytes.h"
+#include "platform/pictures/Faults.h"
+#include "platform/pictures/Picture.h"
 #include "tools/probe/Sha256.h"
 #ifdef VELTRANE_QT
 #include "platform/qt/QtToolkit.h"
@@ -20,13 +20,13 @@ namespace {
 void Probe(const std::string& path, const std::string& rgba)
 {
     try {
-        const codecs::Bitmap picture = Picture::Open(FolderItem::FromPath(path))->Pixels();
+        const imaging::Bitmap picture = Picture::Open(FolderItem::FromPath(path))->Pixels();
         Sha256 digest;
         std::ofstream rows;
         if (!rgba.empty())
             rows.open(rgba, std::ios::binary);
         for (int y = 0; y < picture.Height(); ++y) {
-            const codecs::Bytes row(WithPixels([&] { return picture.Row(y); }), picture.Stride());
+            const imaging::Bytes row(WithPixels([&] { return picture.Row(y); }), picture.Stride());
             digest.Add(row);
             if (!rgba.empty())
                 rows.write(

@@ -8,7 +8,7 @@ struct PeerScaler::Source {
     QImage image;
 };
 
-PeerScaler::PeerScaler(const codecs::Bitmap& picture) : source(std::make_unique<Source>())
+PeerScaler::PeerScaler(const imaging::Bitmap& picture) : source(std::make_unique<Source>())
 {
     const QImage wrapped(picture.Row(0), picture.Width(), picture.Height(),
         picture.Opaque() ? QImage::Format_RGBX8888 : QImage::Format_RGBA8888);

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "platform/codecs/Bitmap.h"
+#include "imaging/pixels/Bitmap.h"
 
 namespace veltrane::qt {
 
@@ -10,7 +10,7 @@ namespace veltrane::qt {
 class PeerScaler {
 public:
     /// Puts the picture into the toolkit's fastest form, which is no part of what is measured.
-    explicit PeerScaler(const codecs::Bitmap& picture);
+    explicit PeerScaler(const imaging::Bitmap& picture);
     ~PeerScaler();
     PeerScaler(const PeerScaler&) = delete;
     PeerScaler& operator=(const PeerScaler&) = delete;

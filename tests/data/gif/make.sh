@@ -1,6 +1,6 @@
 #!/bin/sh
 # Makes the pictures beside it: ImageMagick and netpbm encode the ordinary ones, make.py writes the odd ones
-# byte by byte. Each NAME.pam holds the pixels that the files tests/TestGif.cpp pairs with it must give.
+# byte by byte. Each NAME.pam holds the pixels that the files tests/imaging/gif/TestGif.cpp pairs with it must give.
 # Run by hand; the results are kept, so that the tests need none of these tools.
 set -eu
 cd "$(dirname "$0")"

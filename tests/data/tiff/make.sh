@@ -1,6 +1,6 @@
 #!/bin/sh
 # Makes the pictures beside it: ImageMagick and libtiff's tools encode the ordinary ones, make.py writes the
-# odd ones byte by byte. Each NAME.pam holds the pixels that the files tests/TestTiff.cpp pairs with it must
+# odd ones byte by byte. Each NAME.pam holds the pixels that the files tests/imaging/tiff/TestTiff.cpp pairs with it must
 # give. Run by hand; the results are kept, so that the tests need none of these tools.
 set -eu
 cd "$(dirname "$0")"

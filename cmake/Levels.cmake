@@ -1,0 +1,23 @@
+# add_level(name FOLDERS folder… [EXCEPT regex])
+#
+# One level of the house as one library: every source and header in the folders, at any depth. A file belongs to the
+# level in whose folder it is; none has to be listed. EXCEPT leaves out the paths that match.
+function(add_level name)
+    cmake_parse_arguments(PARSE_ARGV 1 level "" "EXCEPT" "FOLDERS")
+    set(sources)
+    set(headers)
+    foreach(folder IN LISTS level_FOLDERS)
+        file(GLOB_RECURSE found_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
+        file(GLOB_RECURSE found_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.h)
+        list(APPEND sources ${found_sources})
+        list(APPEND headers ${found_headers})
+    endforeach()
+    if(level_EXCEPT)
+        list(FILTER sources EXCLUDE REGEX "${level_EXCEPT}")
+        list(FILTER headers EXCLUDE REGEX "${level_EXCEPT}")
+    endif()
+    add_library(${name} STATIC ${sources})
+    target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
+    set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+    target_link_libraries(${name} PRIVATE veltrane_warnings)
+endfunction()

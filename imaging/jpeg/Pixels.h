@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "imaging/pixels/Bitmap.h"
+
+namespace veltrane::imaging::jpeg {
+
+/// What of a picture a JPEG needs to keep.
+struct Content {
+    bool opaque = false; ///< every alpha is 255
+    bool grey = false; ///< red, green and blue are equal everywhere
+};
+
+[[nodiscard]] Content Examine(const Bitmap& picture);
+
+/// Lays `pixels` pixels on white; alpha becomes 255. Straight alpha over the encoded values, as browsers and
+/// image editors do.
+void LayOnWhite(const std::uint8_t* rgba, std::uint8_t* opaque, std::size_t pixels);
+
+} // namespace veltrane::imaging::jpeg

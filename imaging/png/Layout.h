@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+
+namespace veltrane::imaging::png {
+
+/// How rows lie in a stream.
+struct Layout {
+    std::size_t step; ///< bytes of a pixel, 1 where it takes less
+    std::size_t stride; ///< bytes of a row, its filter byte included
+};
+
+} // namespace veltrane::imaging::png
