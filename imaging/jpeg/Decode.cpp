@@ -18,8 +18,8 @@ Transform FromProfile(const Reader& reader, Samples from)
     return profile.empty() ? nullptr : ColourTransform::FromProfile(profile, from);
 }
 
-// Straight into the layout of pictures; with a transform, each few rows are converted while they are in the
-// cache.
+// Rows decoded into the layout of Bitmap. A colour transform converts them in small groups, while they are in
+// the cache.
 void DecodeColour(Reader& reader, UprightRows& picture)
 {
     const Transform transform
@@ -37,12 +37,12 @@ void DecodeColour(Reader& reader, UprightRows& picture)
     }
 }
 
-// Samples of another layout, converted a few rows at a time.
+// Samples of another layout than Bitmap's, converted a few rows at a time.
 void DecodeThrough(Reader& reader, const ColourTransform& transform, Layout layout, UprightRows& picture)
 {
     const auto width = static_cast<std::size_t>(reader.Width());
     const std::size_t stride = layout == Layout::Cmyk ? 4 * width : width;
-    const bool invert = layout == Layout::Cmyk && reader.InvertedInks();
+    const bool invert = layout == Layout::Cmyk && reader.InvertedCmyk();
     std::vector<std::uint8_t> strip(stride * UprightRows::kAtOnce);
     reader.Start(layout);
     for (int left = reader.Height(); left > 0;) {
@@ -57,10 +57,10 @@ void DecodeThrough(Reader& reader, const ColourTransform& transform, Layout layo
 
 void DecodePixels(Reader& reader, UprightRows& picture)
 {
-    if (reader.Stored() == Kind::Inks) {
+    if (reader.Stored() == Kind::Cmyk) {
         const Transform profile = FromProfile(reader, Samples::Cmyk8);
-        const Transform inks = profile ? profile : ColourTransform::FromUntaggedInks(Samples::Cmyk8);
-        return DecodeThrough(reader, *inks, Layout::Cmyk, picture);
+        const Transform cmyk = profile ? profile : ColourTransform::FromUntaggedInks(Samples::Cmyk8);
+        return DecodeThrough(reader, *cmyk, Layout::Cmyk, picture);
     }
     const Transform grey = reader.Stored() == Kind::Grey ? FromProfile(reader, Samples::Grey8) : nullptr;
     if (grey)

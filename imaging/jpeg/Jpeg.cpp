@@ -7,7 +7,7 @@ namespace veltrane::imaging {
 
 namespace {
 
-// T.81, B.1.1.3: the start of image. No other format that we read begins so.
+// SOI and the 0xFF of the next marker: T.81, B.1.1.3. No other format that is read begins so.
 bool Probe(Bytes head) noexcept
 {
     return head.size() >= 2 && head[0] == 0xFF && head[1] == 0xD8;

@@ -11,8 +11,10 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::string_view kExif = "Exif\0"sv; // and a byte of padding, which not everybody writes as 0
-constexpr std::string_view kIcc = "ICC_PROFILE\0"sv; // and the part's number and their count, a byte each
+constexpr std::string_view kExif
+    = "Exif\0"sv; // followed by a byte of padding, which some encoders do not write as 0
+constexpr std::string_view kIcc
+    = "ICC_PROFILE\0"sv; // followed by the part's number and the number of parts, a byte each
 
 bool Begins(Bytes segment, std::string_view with)
 {

@@ -9,18 +9,17 @@
 
 namespace veltrane::imaging::jpeg {
 
-/// What the application segments in front of the pixels tell. Holds views into the file, copies nothing.
+/// What the application segments before the pixels say. Holds views into the file and copies nothing.
 class Metadata {
 public:
-    /// Takes in an APP1 or APP2 segment, its length bytes taken off. Allocates nothing: it is called from
-    /// inside the library.
+    /// Reads an APP1 or APP2 segment without its length bytes. Allocates nothing: the library calls it.
     void AddApp1(Bytes segment) noexcept;
     void AddApp2(Bytes segment) noexcept;
 
-    /// As the first Exif segment tells. Source: Exif 2.32, 4.7.2.
+    /// The orientation of the first Exif segment. Source: Exif 2.32, 4.7.2.
     [[nodiscard]] Orientation Turn() const noexcept { return orientation; }
 
-    /// The ICC profile, put together from its parts; empty when there is none, or a part is missing.
+    /// The ICC profile, assembled from its parts; empty when there is none or a part is missing.
     /// Source: ICC.1:2010, B.4.
     [[nodiscard]] std::vector<std::uint8_t> Profile() const;
 

@@ -8,7 +8,7 @@
 
 namespace veltrane::imaging::jpeg {
 
-/// The pixels of a picture as its JPEG shows them: laid on white, where it is seen through anywhere.
+/// The pixels of a picture as its JPEG shows them: composited on white where they are not opaque.
 class OnWhite {
 public:
     static constexpr int kAtOnce = 16;

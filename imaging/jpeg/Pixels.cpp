@@ -8,12 +8,13 @@ namespace veltrane::imaging::jpeg {
 
 namespace {
 
-// What pixels may be, as bits.
+// Traits of pixels, as bits.
 constexpr unsigned kColoured = 1, kSeenThrough = 2;
 
 unsigned TraitsOf(const std::uint8_t* rgba, std::size_t pixels)
 {
-    std::uint32_t differences = 0, alpha = 0xFF; // bits that some have between channels, that all alphas have
+    std::uint32_t differences = 0,
+                  alpha = 0xFF; // of channels against each other, over all pixels; all alphas combined
     for (const std::uint8_t* const end = rgba + 4 * pixels; rgba != end; rgba += 4) {
         differences |= static_cast<std::uint32_t>((rgba[0] ^ rgba[1]) | (rgba[1] ^ rgba[2]));
         alpha &= rgba[3];
@@ -21,7 +22,7 @@ unsigned TraitsOf(const std::uint8_t* rgba, std::size_t pixels)
     return (differences != 0 ? kColoured : 0) | (alpha != 0xFF ? kSeenThrough : 0);
 }
 
-// Tells rows by the traits of each index.
+// Looks rows of indices up in the traits of each index.
 class Indices {
 public:
     explicit Indices(const Bitmap& picture) : picture(picture)
@@ -49,7 +50,7 @@ private:
     unsigned possible = 0;
 };
 
-// Which of those traits some pixel has; looks no further than it takes to know.
+// The traits that occur in the picture; stops as soon as both do.
 template<class OfRow>
 unsigned Find(unsigned wanted, int height, OfRow ofRow)
 {

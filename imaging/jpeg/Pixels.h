@@ -7,7 +7,7 @@
 
 namespace veltrane::imaging::jpeg {
 
-/// What of a picture a JPEG needs to keep.
+/// What a JPEG needs to know of a picture's pixels.
 struct Content {
     bool opaque = false; ///< every alpha is 255
     bool grey = false; ///< red, green and blue are equal everywhere
@@ -15,8 +15,8 @@ struct Content {
 
 [[nodiscard]] Content Examine(const Bitmap& picture);
 
-/// Lays `pixels` pixels on white; alpha becomes 255. Straight alpha over the encoded values, as browsers and
-/// image editors do.
+/// Composites `pixels` pixels on white; alpha becomes 255. Straight alpha over the encoded values, as
+/// browsers and image editors do.
 void LayOnWhite(const std::uint8_t* rgba, std::uint8_t* opaque, std::size_t pixels);
 
 } // namespace veltrane::imaging::jpeg

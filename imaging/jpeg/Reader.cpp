@@ -22,8 +22,9 @@ struct Reader::Library {
     jpeg_progress_mgr progress {};
     jpeg_decompress_struct jpeg {};
     Layout layout = Layout::Rgba;
-    std::unique_ptr<baseline::Decoder> ours; // for as long as it can go on
-    int given = 0; // rows
+    std::unique_ptr<baseline::Decoder>
+        ours; // our decoder, while it can go on; then the library decodes the rest
+    int given = 0; // rows returned so far
 
     Library();
     ~Library() { jpeg_destroy_decompress(&jpeg); }
@@ -44,7 +45,7 @@ struct Reader::Library {
 
 namespace {
 
-// The whole file lies in memory, so a segment is looked at where it is. One that claims more than there is
+// The whole file is in memory, so a segment is read in place. A segment that claims more bytes than there are
 // ends the file.
 Bytes TakeSegment(jpeg_source_mgr& source)
 {
@@ -139,12 +140,12 @@ Kind Reader::Stored() const noexcept
     switch (library->jpeg.jpeg_color_space) {
     case JCS_GRAYSCALE: return Kind::Grey;
     case JCS_CMYK:
-    case JCS_YCCK: return Kind::Inks;
+    case JCS_YCCK: return Kind::Cmyk;
     default: return Kind::Colour;
     }
 }
 
-bool Reader::InvertedInks() const noexcept
+bool Reader::InvertedCmyk() const noexcept
 {
     return library->jpeg.saw_Adobe_marker != 0;
 }
@@ -167,7 +168,7 @@ void Reader::Library::Start()
 
 int Reader::Library::Rows(std::uint8_t* target, std::size_t stride, int most)
 {
-    constexpr int kAtOnce = 16; // more than the library has ready at a time
+    constexpr int kAtOnce = 16; // the library never has more rows ready
     std::array<std::uint8_t*, kAtOnce> rows {};
     const int count = std::min(most, kAtOnce);
     for (int i = 0; i < count; ++i)
@@ -175,12 +176,12 @@ int Reader::Library::Rows(std::uint8_t* target, std::size_t stride, int most)
     const JDIMENSION before = jpeg.output_scanline;
     trap.Run([this, &rows, count] {
         if (jpeg_read_scanlines(&jpeg, rows.data(), static_cast<JDIMENSION>(count)) == 0)
-            trap.LeaveDamaged(); // the library waits for data that cannot come
+            trap.LeaveDamaged(); // the library waits for data that does not exist
     });
     return static_cast<int>(jpeg.output_scanline - before);
 }
 
-// The rows above have been given already, so they may all be written to the same place.
+// The library decodes the rows that ours has returned once more, all into the same place.
 void Reader::Library::TakeOver(std::uint8_t* anyRow)
 {
     ours.reset();

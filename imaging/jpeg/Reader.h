@@ -9,18 +9,18 @@
 
 namespace veltrane::imaging::jpeg {
 
-/// What the stored samples are.
+/// The colour space of the stored samples, as far as it matters.
 enum class Kind {
     Grey,
     Colour, ///< YCbCr or RGB
-    Inks, ///< CMYK or YCCK
+    Cmyk, ///< CMYK or YCCK
 };
 
-/// What Rows gives.
+/// The layout of the samples that Rows returns.
 enum class Layout {
     Rgba, ///< 4 bytes a pixel, alpha 255; of Grey and Colour
     Grey, ///< 1 byte a pixel; of Grey
-    Cmyk, ///< 4 bytes a pixel, as stored; of Inks
+    Cmyk, ///< 4 bytes a pixel, as stored; of Cmyk
 };
 
 /// A JPEG file being read: first the header, then rows from top to bottom. Every operation raises
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] Kind Stored() const noexcept;
 
     /// Whether 255 means no ink, as Adobe's programs write it. Source: Technical Note 5116, 18.
-    [[nodiscard]] bool InvertedInks() const noexcept;
+    [[nodiscard]] bool InvertedCmyk() const noexcept;
 
     [[nodiscard]] const Metadata& Segments() const noexcept;
 
@@ -46,7 +46,7 @@ public:
     void Start(Layout layout);
 
     /// Decodes the next rows into `target`, `stride` bytes apart: at least one, at most `most`. Returns how
-    /// many. Not to be called behind the last row.
+    /// many. Must not be called after the last row.
     [[nodiscard]] int Rows(std::uint8_t* target, std::size_t stride, int most);
 
 private:

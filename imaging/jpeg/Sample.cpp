@@ -15,12 +15,12 @@ namespace veltrane::imaging::jpeg {
 
 namespace {
 
-constexpr int kUnit = 16; // covers the largest block of all components that we write
-constexpr int kPieceWidth = 16 * kUnit;
+constexpr int kMcu = 16; // pixels: the side of the largest MCU that is written
+constexpr int kPieceWidth = 16 * kMcu;
 constexpr int kMostPieces = 1024; // four million pixels: more would change nothing
-static_assert(kMostPieces * kUnit <= JPEG_MAX_DIMENSION); // they are coded as one picture
+static_assert(kMostPieces * kMcu <= JPEG_MAX_DIMENSION); // they are encoded as one picture
 
-// Up to so many pixels the library makes the tables from the whole picture.
+// Pixels up to which the library makes the tables from the whole picture.
 constexpr std::int64_t kSmall = 1 << 18;
 
 struct Memory final : Sink {
@@ -28,18 +28,19 @@ struct Memory final : Sink {
     void Write(Bytes more) override { bytes.insert(bytes.end(), more.begin(), more.end()); }
 };
 
-// Where the pieces lie: evenly from top to bottom; across by steps of the golden ratio, which never line up.
+// The places of the pieces: evenly spaced from top to bottom, and spread across by the golden ratio so that
+// they never line up.
 struct Pieces {
     int width, count;
 
     Pieces(const OnWhite& picture, const Form& whole)
-        : width(std::min(whole.width / kUnit * kUnit, kPieceWidth)), picture(picture), whole(whole)
+        : width(std::min(whole.width / kMcu * kMcu, kPieceWidth)), picture(picture), whole(whole)
     {
-        constexpr std::int64_t kShare = 48; // one pixel in so many; measured
+        constexpr std::int64_t kShare = 48; // one pixel of so many is sampled; measured
         constexpr std::int64_t kFewest = 1 << 17; // but not fewer
         const std::int64_t pixels = std::int64_t { whole.width } * whole.height;
         const std::int64_t wanted = std::max(pixels / kShare, kFewest);
-        const std::int64_t pieces = wanted / (std::int64_t { width } * kUnit);
+        const std::int64_t pieces = wanted / (std::int64_t { width } * kMcu);
         count = static_cast<int>(std::min<std::int64_t>(pieces, kMostPieces));
     }
 
@@ -47,10 +48,10 @@ struct Pieces {
     {
         constexpr double kGolden = 0.6180339887498949;
         const double turns = piece * kGolden;
-        const int places = (whole.width - width) / kUnit + 1;
+        const int places = (whole.width - width) / kMcu + 1;
         const int across = static_cast<int>((turns - std::floor(turns)) * places);
-        const std::int64_t down = std::int64_t { piece } * (whole.height / kUnit) / count;
-        picture.Copy(across * kUnit, static_cast<int>(down) * kUnit + row, width, rgba);
+        const std::int64_t down = std::int64_t { piece } * (whole.height / kMcu) / count;
+        picture.Copy(across * kMcu, static_cast<int>(down) * kMcu + row, width, rgba);
     }
 
 private:
@@ -58,18 +59,18 @@ private:
     const Form& whole;
 };
 
-// The pieces below each other, coded as the picture will be, but with whatever tables.
+// The pieces below each other, encoded with the picture's options and any tables.
 Memory CodedPieces(const Pieces& pieces, Form form)
 {
     const Tables any { { TablesFor({}), TablesFor({}) } };
     form.width = pieces.width;
-    form.height = pieces.count * kUnit;
+    form.height = pieces.count * kMcu;
     form.tables = &any;
     Memory coded;
     Writer writer(form, coded);
     std::vector<std::uint8_t> row(static_cast<std::size_t>(pieces.width) * Bitmap::kBytesPerPixel);
     for (int y = 0; y < form.height; ++y) {
-        pieces.CopyRow(y / kUnit, y % kUnit, row.data());
+        pieces.CopyRow(y / kMcu, y % kMcu, row.data());
         writer.Rows(row.data(), row.size(), 1);
     }
     writer.Finish();
@@ -99,8 +100,8 @@ struct Coefficients {
     void Count(int component, Counts& counts);
 };
 
-// One line of units in the order of the code. The first block's mean is passed over: what lies before it here
-// is not what lies there in the picture.
+// Counts one row of MCUs in the order of the scan. The first block's DC difference is left out: the block
+// before it is not the one before it in the picture.
 void CountLine(JBLOCKARRAY rows, const jpeg_component_info& part, Counts& counts)
 {
     const auto across = static_cast<JDIMENSION>(part.h_samp_factor);
@@ -134,7 +135,7 @@ void Coefficients::Count(int component, Counts& counts)
 
 std::optional<Tables> SampledTables(const OnWhite& picture, const Form& form)
 {
-    const bool narrow = form.width < kUnit || form.height < kUnit;
+    const bool narrow = form.width < kMcu || form.height < kMcu;
     if (narrow || std::int64_t { form.width } * form.height <= kSmall)
         return std::nullopt;
     const Memory coded = CodedPieces(Pieces(picture, form), form);

@@ -8,9 +8,9 @@
 
 namespace veltrane::imaging::jpeg {
 
-/// Tables for writing `picture`, whole, in this form, from pieces spread over it: about as good as those that
-/// a walk over the whole picture gives, for a small part of its cost. None for a picture so small that the
-/// walk is cheap. `form.tables` is not looked at. Raises what Writer raises.
+/// Huffman tables for writing `picture` with the options `form`, from a sample of its blocks: about as good
+/// as those from the whole picture, for a small part of the time. Empty for a picture so small that the
+/// library makes the tables from all of it. Ignores `form.tables`. Raises what Writer raises.
 [[nodiscard]] std::optional<Tables> SampledTables(const OnWhite& picture, const Form& form);
 
 } // namespace veltrane::imaging::jpeg

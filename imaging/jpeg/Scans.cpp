@@ -15,7 +15,7 @@ std::int64_t Pixels(const jpeg_decompress_struct& library)
     return std::int64_t { library.image_width } * library.image_height;
 }
 
-// Every bit of every coefficient has come: T.81, G.1.1.1.
+// Whether all bits of all coefficients have been decoded: T.81, G.1.1.1.
 bool AllBits(const int (&bits)[DCTSIZE2])
 {
     return std::all_of(bits, bits + DCTSIZE2, [](int missing) { return missing == 0; });
@@ -24,7 +24,8 @@ bool AllBits(const int (&bits)[DCTSIZE2])
 } // namespace
 
 // A scan costs a walk over all coefficients even when its own bytes are few. Encoders write up to 24 scans
-// (six for each of four inks); pictures with more are free to do so while that stays a matter of seconds.
+// (six for each component of CMYK); pictures with more are free to do so while that stays a matter of
+// seconds.
 bool Scans::WithinBudget(const jpeg_decompress_struct& library) const noexcept
 {
     constexpr std::int64_t kUsual = 25;
@@ -40,13 +41,13 @@ bool Scans::Continue(const jpeg_decompress_struct& library) noexcept
         for (int i = 0; i < library.comps_in_scan; ++i)
             components |= 1u << library.cur_comp_info[i]->component_index;
     }
-    // An arithmetic decoder may find the last pixels in zeros that the file left out, so that it never
-    // misses data; but not a whole large picture.
-    constexpr std::int64_t kMostBehindEnd = 1 << 24;
+    // An arithmetic decoder may decode the last pixels from zeros that the encoder has left out (T.81,
+    // D.1.8), but not a whole large picture.
+    constexpr std::int64_t kMostAfterEnd = 1 << 24;
     const bool ended = library.arith_code != 0 && library.unread_marker != 0;
-    behindEnd
-        = ended ? behindEnd + std::int64_t { library.image_width } * library.max_v_samp_factor * DCTSIZE : 0;
-    return behindEnd <= kMostBehindEnd && WithinBudget(library);
+    afterEnd
+        = ended ? afterEnd + std::int64_t { library.image_width } * library.max_v_samp_factor * DCTSIZE : 0;
+    return afterEnd <= kMostAfterEnd && WithinBudget(library);
 }
 
 bool Scans::Complete(const jpeg_decompress_struct& library, bool cutOff) const noexcept

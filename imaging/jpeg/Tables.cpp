@@ -11,7 +11,7 @@ namespace veltrane::imaging::jpeg {
 
 namespace {
 
-// Coefficients in the order of the entropy code: T.81, figure A.6.
+// Coefficients in zigzag order: T.81, figure A.6.
 constexpr std::array<std::uint8_t, 64> kZigZag { 0, 1, 8, 16, 9, 2, 3, 10, 17, 24, 32, 25, 18, 11, 4, 5, 12,
     19, 26, 33, 40, 48, 41, 34, 27, 20, 13, 6, 7, 14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23,
     30, 37, 44, 51, 58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63 };
@@ -40,14 +40,13 @@ bool IsAc(std::size_t symbol)
     return symbol == kEndOfBlock || symbol == kSixteenZeros || (category >= 1 && category <= kAcCategories);
 }
 
-// What the sample has not shown counts half of what it has shown once; measured.
+// A symbol that the sample does not contain counts half as much as one that it contains once; measured.
 constexpr std::uint32_t kSeen = 4;
 constexpr std::uint32_t kUnseen = 2;
 
 Table TableFor(const std::array<std::uint32_t, 256>& counts, bool (*occurs)(std::size_t))
 {
-    // One symbol more, rarer than all: it takes the code of nothing but ones, which no file may use (T.81,
-    // C).
+    // One more symbol, the rarest, takes the code of all ones, which no file may use: T.81, C.
     std::array<std::uint32_t, 257> frequencies {};
     for (std::size_t i = 0; i < counts.size(); ++i)
         frequencies[i] = occurs(i) ? counts[i] * kSeen + kUnseen : 0;

@@ -5,23 +5,23 @@
 
 namespace veltrane::imaging::jpeg {
 
-/// How often each symbol of the entropy code occurs. Source: T.81, F.1.2.
+/// How often each symbol of the Huffman codes occurs. Source: T.81, F.1.2.
 struct Counts {
-    std::array<std::uint32_t, 256> dc {}; ///< categories of the differences of mean values
-    std::array<std::uint32_t, 256> ac {}; ///< run of zeros and category of what ends it
+    std::array<std::uint32_t, 256> dc {}; ///< categories of DC differences
+    std::array<std::uint32_t, 256> ac {}; ///< zero run and category of AC coefficients
 
-    /// Counts a block of quantised coefficients, rows of eight. `dcBefore`: the block before it, of the same
-    /// component.
+    /// Counts a block of quantised coefficients, rows of eight. `dcBefore`: the DC coefficient of the block
+    /// before it in the same component.
     void Add(const std::int16_t* block, int dcBefore) noexcept;
 };
 
-/// One code as a file defines it. Source: T.81, B.2.4.2.
+/// A Huffman table as a file specifies it. Source: T.81, B.2.4.2.
 struct Table {
-    std::array<std::uint8_t, 17> codes {}; ///< how many there are of each length in bits, from 1 on
-    std::array<std::uint8_t, 256> symbols {}; ///< by length
+    std::array<std::uint8_t, 17> codes {}; ///< BITS: how many there are of each length in bits, from 1 on
+    std::array<std::uint8_t, 256> symbols {}; ///< HUFFVAL: in the order of their codes
 };
 
-/// The codes of the components with brightness and of those with colour.
+/// The tables of luma and of chroma.
 struct Tables {
     struct Pair {
         Table dc, ac;
@@ -29,8 +29,8 @@ struct Tables {
     std::array<Pair, 2> of;
 };
 
-/// The code that suits `counts`, of which each stands for several times the same. Every symbol that 8-bit
-/// pictures of any quality can come to gets a code, so that it codes any picture.
+/// The best code for `counts`, which come from a sample. Every symbol that an 8-bit picture of any quality
+/// can contain gets a code.
 [[nodiscard]] Tables::Pair TablesFor(const Counts& counts);
 
 } // namespace veltrane::imaging::jpeg

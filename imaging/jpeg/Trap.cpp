@@ -5,7 +5,7 @@
 
 #include <jpeglib.h>
 
-#include <jerror.h> // behind jpeglib.h, which says what the library was built with
+#include <jerror.h> // after jpeglib.h, which defines what the library was built with
 
 #include "imaging/Fault.h"
 
@@ -52,8 +52,8 @@ void Trap::LeaveDamaged() noexcept
     std::longjmp(back, 1);
 }
 
-// The library repairs what it can and warns. A warning that it had to make up pixels ends the decoding; one
-// about anything else passes.
+// The library repairs what it can and warns. A warning that means invented pixels ends the decoding; every
+// other warning is ignored.
 void Trap::Warned(int warning, int marker) noexcept
 {
     switch (warning) {
@@ -63,8 +63,8 @@ void Trap::Warned(int warning, int marker) noexcept
             LeaveDamaged();
         break;
     case JWRN_EXTRANEOUS_DATA:
-        // Left-over bytes before a restart marker: the decoder has lost its way in the interval. Before any
-        // other marker they stand between segments, where cameras and editors leave padding.
+        // Extra bytes before a restart marker: the decoder is out of step in that interval. Extra bytes
+        // before any other marker are the padding that cameras and editors leave between segments.
         if (marker >= JPEG_RST0 && marker <= JPEG_RST0 + 7)
             LeaveDamaged();
         break;

@@ -9,8 +9,8 @@ struct jpeg_error_mgr;
 
 namespace veltrane::imaging::jpeg {
 
-/// Brings the library's failures back to C++. The library is C: what it reports must leave it by longjmp,
-/// which destroys nothing on its way, and no exception may pass through it.
+/// Turns the library's failures into exceptions. The library is C: an error leaves it by longjmp, which runs
+/// no destructor, and no exception may pass through it.
 class Trap {
 public:
     Trap();
@@ -35,18 +35,18 @@ public:
     /// Keeps an exception that a callback of the library has caught, for Leave.
     void Keep(std::exception_ptr caught) noexcept { thrown = std::move(caught); }
 
-    /// From a callback of the library: ends Run with the kept exception. No frame below may have anything
-    /// left to destroy.
+    /// From a callback of the library: ends Run with the kept exception. No frame in between may have
+    /// anything to destroy.
     [[noreturn]] void Leave() noexcept;
 
     /// From a callback of the library: ends Run because pixels cannot be decoded.
     [[noreturn]] void LeaveDamaged() noexcept;
 
-    /// The file has ended before its end mark.
+    /// Whether the file has ended without EOI.
     [[nodiscard]] bool SawEnd() const noexcept { return sawEnd; }
 
-    /// From now on the missing end mark counts as damage. For arithmetic coding: its decoder takes the
-    /// end for zeros without a word.
+    /// From now on a missing EOI counts as damage. For arithmetic coding: its decoder reads zeros at the end
+    /// of the file without a warning.
     void EndIsDamage() noexcept { endIsDamage = true; }
 
 private:

@@ -38,7 +38,7 @@ struct Writer::Library {
     void Flush(std::size_t bytes) noexcept;
 };
 
-// Called from inside the library, which no exception may pass through.
+// The library calls it, and no exception may pass through the library.
 void Writer::Library::Flush(std::size_t bytes) noexcept
 {
     bool failed = false;
@@ -75,7 +75,7 @@ Writer::Library::Library(Sink& sink) : sink(sink)
 
 namespace {
 
-// Below this quality the eye does not miss what halved colour loses, and the file is a third smaller.
+// Below this quality nobody sees the loss of chroma subsampling, and the file is a third smaller.
 constexpr int kFullColourFrom = 90;
 
 void Install(const Table& table, JHUFF_TBL& target)

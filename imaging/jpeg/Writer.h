@@ -22,16 +22,16 @@ struct Form {
 /// Fault::NoMemory.
 class Writer {
 public:
-    /// Writes everything in front of the pixels. `sink` must outlive this object.
+    /// Writes everything before the pixels. `sink` must outlive this object.
     Writer(const Form& form, Sink& sink);
     ~Writer();
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
 
-    /// The next `count` rows: 4 bytes a pixel, the fourth passed over, rows `stride` bytes apart.
+    /// The next `count` rows: 4 bytes a pixel, the fourth ignored, rows `stride` bytes apart.
     void Rows(const std::uint8_t* rgba, std::size_t stride, int count);
 
-    /// Must come behind the last row: writes what is held back and the end mark.
+    /// Must follow the last row: writes what is left and EOI.
     void Finish();
 
 private:

@@ -40,9 +40,9 @@ bool InUse(Table* const (&tables)[NUM_QUANT_TBLS], int number)
     return number >= 0 && number < NUM_QUANT_TBLS && tables[number] != nullptr;
 }
 
-CodeList ListOf(const JHUFF_TBL& table)
+HuffmanSpec SpecOf(const JHUFF_TBL& table)
 {
-    CodeList list {};
+    HuffmanSpec list {};
     std::copy_n(table.bits, list.counts.size(), list.counts.begin());
     list.counts[0] = 0;
     std::copy_n(table.huffval, list.symbols.size(), list.symbols.begin());
@@ -61,17 +61,18 @@ std::optional<Component> ComponentOf(const jpeg_decompress_struct& header, const
         component.across = part.h_samp_factor;
         component.down = part.v_samp_factor;
     }
-    std::copy_n(header.quant_tbl_ptrs[part.quant_tbl_no]->quantval, kBlockSize, component.quantisers.begin());
-    component.differences = ListOf(*header.dc_huff_tbl_ptrs[part.dc_tbl_no]);
-    component.coefficients = ListOf(*header.ac_huff_tbl_ptrs[part.ac_tbl_no]);
+    std::copy_n(
+        header.quant_tbl_ptrs[part.quant_tbl_no]->quantval, kBlockSize, component.quantisation.begin());
+    component.dc = SpecOf(*header.dc_huff_tbl_ptrs[part.dc_tbl_no]);
+    component.ac = SpecOf(*header.ac_huff_tbl_ptrs[part.ac_tbl_no]);
     return component;
 }
 
 } // namespace
 
-std::optional<Frame> FrameOf(const jpeg_decompress_struct& header)
+std::optional<Frame> ReadFrame(const jpeg_decompress_struct& header)
 {
-    constexpr JDIMENSION kNarrowest = 16; // the library treats the narrowest pictures in another way
+    constexpr JDIMENSION kNarrowest = 16; // the library upsamples narrower pictures differently
     if (header.image_width < kNarrowest || !IsPlainScan(header) || !IsUsualSampling(header))
         return std::nullopt;
     Frame frame;

@@ -14,31 +14,32 @@ namespace veltrane::imaging::jpeg::baseline {
 
 constexpr std::size_t kBlockSize = 64; ///< coefficients, and samples, of a block of 8 x 8
 
-/// A Huffman table as it stands in the file. Source: T.81, B.2.4.2.
-struct CodeList {
-    std::array<std::uint8_t, 17> counts; ///< codes of each length in bits; none of length 0
-    std::array<std::uint8_t, 256> symbols; ///< in the order of their codes
+/// A Huffman table as the file specifies it. Source: T.81, B.2.4.2.
+struct HuffmanSpec {
+    std::array<std::uint8_t, 17> counts; ///< BITS: how many codes there are of each length; none of length 0
+    std::array<std::uint8_t, 256> symbols; ///< HUFFVAL: in the order of their codes
 
-    [[nodiscard]] bool operator==(const CodeList&) const = default;
+    [[nodiscard]] bool operator==(const HuffmanSpec&) const = default;
 };
 
-/// One of a picture's planes.
+/// A component of the frame.
 struct Component {
-    int across = 1, down = 1; ///< blocks of it in a unit of the scan
-    std::array<std::uint16_t, kBlockSize> quantisers; ///< row by row
-    CodeList differences, coefficients; ///< the codes of its first coefficients, and of all others
+    int across = 1, down = 1; ///< sampling factors: blocks of this component in an MCU
+    std::array<std::uint16_t, kBlockSize> quantisation; ///< in the order of rows, not zigzag
+    HuffmanSpec dc, ac; ///< of its DC differences and its AC coefficients
 };
 
-/// What has to be known to decode the one scan of a sequential picture of 8-bit samples.
+/// What decoding the one scan of a sequential picture of 8-bit samples needs to know.
 struct Frame {
     int width = 0, height = 0; ///< pixels
-    std::vector<Component> components; ///< one, grey; or three, YCbCr, the last two with a block to a unit
-    unsigned restartInterval = 0; ///< units between restart markers; 0: there are none
-    Bytes scan; ///< from the first coded byte on, up to the end of the file
+    std::vector<Component>
+        components; ///< one: grey; three: YCbCr, with one block each of Cb and Cr in an MCU
+    unsigned restartInterval = 0; ///< MCUs between restart markers; 0: there are no markers
+    Bytes scan; ///< from the first entropy-coded byte to the end of the file
 };
 
-/// The frame of a file whose header has been read. Nothing when it is of another kind: progressive, in
-/// several scans, of inks, with unusual sampling or too narrow.
-[[nodiscard]] std::optional<Frame> FrameOf(const jpeg_decompress_struct& header);
+/// The frame of a file whose header has been read. Empty for every other kind: progressive, several scans,
+/// CMYK or YCCK, unusual sampling factors, too narrow.
+[[nodiscard]] std::optional<Frame> ReadFrame(const jpeg_decompress_struct& header);
 
 } // namespace veltrane::imaging::jpeg::baseline

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kPixels = 32; // at a time
 constexpr std::size_t kBytes = 4 * kPixels;
 
-// Numbers of 16 bits, of the even pixels and of the odd ones.
+// 16-bit numbers of the even pixels and of the odd ones.
 struct Words {
     __m256i even, odd;
 };
@@ -35,10 +35,10 @@ FOR_AVX2 __m256i Thrice(__m256i words)
     return _mm256_add_epi16(words, _mm256_add_epi16(words, words));
 }
 
-// Three parts of the nearer sample and one of the other, which lies left of even pixels and right of odd
-// ones.
+// Three quarters of the nearer sample and one of the other, which is to the left of even pixels and to the
+// right of odd ones.
 template<int shift, int evenRound, int oddRound>
-FOR_AVX2 Words Spread(__m256i left, __m256i here, __m256i right)
+FOR_AVX2 Words Upsampled(__m256i left, __m256i here, __m256i right)
 {
     const __m256i thrice = Thrice(here), even = _mm256_add_epi16(thrice, _mm256_set1_epi16(evenRound)),
                   odd = _mm256_add_epi16(thrice, _mm256_set1_epi16(oddRound));
@@ -46,7 +46,7 @@ FOR_AVX2 Words Spread(__m256i left, __m256i here, __m256i right)
         _mm256_srli_epi16(_mm256_add_epi16(odd, right), shift) };
 }
 
-// Three parts of the nearer row and one of the other.
+// Three times the nearer row and once the other.
 FOR_AVX2 __m256i Column(const ChromaRow& row, std::ptrdiff_t sample)
 {
     return _mm256_add_epi16(Thrice(Widened(row.near + sample)), Widened(row.far + sample));
@@ -61,10 +61,10 @@ FOR_AVX2 Words ChromaAt(const ChromaRow& row, std::size_t pixel)
         words = Parted(row.near + pixel);
     } else if constexpr (chroma == Chroma::HalfAcross) {
         const std::uint8_t* const near = row.near + pixel / 2;
-        words = Spread<2, 1, 2>(Widened(near - 1), Widened(near), Widened(near + 1));
+        words = Upsampled<2, 1, 2>(Widened(near - 1), Widened(near), Widened(near + 1));
     } else {
         const auto sample = static_cast<std::ptrdiff_t>(pixel / 2);
-        words = Spread<4, 8, 7>(Column(row, sample - 1), Column(row, sample), Column(row, sample + 1));
+        words = Upsampled<4, 8, 7>(Column(row, sample - 1), Column(row, sample), Column(row, sample + 1));
     }
     const __m256i middle = _mm256_set1_epi16(128);
     return { _mm256_sub_epi16(words.even, middle), _mm256_sub_epi16(words.odd, middle) };
@@ -78,7 +78,7 @@ FOR_AVX2 __m256i Times(__m256i words, int factor)
     return _mm256_srai_epi16(_mm256_add_epi16(twice, _mm256_set1_epi16(1)), 1);
 }
 
-// What green lacks of either, in pairs of blue and red, as 32 bits.
+// The contribution of each pair of Cb and Cr to green, as 32 bits.
 FOR_AVX2 __m256i GreenOf(__m256i pairs)
 {
     constexpr int kBlue = -22554, kRed = 65536 - 46802;
@@ -92,7 +92,7 @@ struct Colours {
     __m256i red, green, blue;
 };
 
-// 1.402 of the red and 1.772 of the blue do not fit 16 bits, so whole parts of them are added. The green
+// The factors 1.402 of Cr and 1.772 of Cb do not fit 16 bits, so their whole parts are added instead. Green
 // takes both at once, since they are rounded together.
 FOR_AVX2 Colours ColoursOf(__m256i luma, __m256i blue, __m256i red)
 {

@@ -10,13 +10,12 @@ namespace veltrane::imaging::jpeg::baseline {
 namespace {
 
 constexpr std::size_t kBlockSide = 8;
-constexpr std::size_t kMostZeros = 16; // that a step tells
+constexpr std::size_t kLongestRun = 16; // of zeros, in one symbol
 
-// Where a coefficient lies in its block, row by row, by how many come before it and including it: so that
-// a step tells it directly. Those behind the block's end are written into the room behind it.
-// Source: T.81, figure A.6.
-constexpr auto kPlaces = [] {
-    std::array<std::uint8_t, kBlockSize + kMostZeros + Step::kToEnd + 1> places {};
+// The place in the block of each coefficient in zigzag order, counted from 1: the sum of all advances is then
+// the index. Indices past the end of the block lead to the padding after it. Source: T.81, figure A.6.
+constexpr auto kZigzag = [] {
+    std::array<std::uint8_t, kBlockSize + kLongestRun + HuffmanEntry::kEndOfBlock + 1> places {};
     places.fill(kBlockSize);
     int row = 0, column = 0;
     bool rising = true;
@@ -36,85 +35,83 @@ constexpr auto kPlaces = [] {
     return places;
 }();
 
-// How many coefficients there are up to the last that is not 0, when so many steps' worth of them are done; 0
-// when they go on behind the block's end.
-unsigned UsedOf(unsigned done)
+// The number of coefficients up to the last non-zero one, from the sum of all advances; 0 when they run past
+// the end of the block.
+unsigned CoefficientsUpTo(unsigned done)
 {
     if (done == kBlockSize)
         return kBlockSize;
-    return done > Step::kToEnd ? done - Step::kToEnd : 0;
+    return done > HuffmanEntry::kEndOfBlock ? done - HuffmanEntry::kEndOfBlock : 0;
 }
 
-// The same of the block that comes next; 0 also for what is no code. Looking for more bits takes longer than
-// a step, as each look has to wait for the one before: so they are looked for as seldom as short steps allow.
-// Those of a first coefficient have been taken since the last time.
-[[gnu::always_inline]] inline unsigned ReadCoefficients(
-    Bits& bits, const CodeTable& table, const StepPairs& pairs, std::int16_t* block)
+// Decodes the next block's AC coefficients. Returns the number up to the last non-zero one, 0 for an invalid
+// code. A refill takes longer than a lookup, so one refill serves as many lookups as it surely can. The DC
+// coefficient's bits have been consumed since the last refill.
+[[gnu::always_inline]] inline unsigned ReadAcCoefficients(
+    BitBuffer& bits, const HuffmanTable& table, const EntryPairTable& pairs, std::int16_t* block)
 {
-    constexpr unsigned kShortSteps = Bits::kFull / CodeTable::kLookUpBits - 1;
+    constexpr unsigned kLookUps = BitBuffer::kFull / HuffmanTable::kLookUpBits - 1;
     unsigned done = 1;
     for (;; bits.Fill()) {
 #pragma GCC unroll 4
-        for (unsigned i = 0; i < kShortSteps; ++i) {
-            StepPair pair = pairs.Look(bits.front);
-            const bool open = pair.IsOpen();
-            if (open) [[unlikely]] {
+        for (unsigned i = 0; i < kLookUps; ++i) {
+            EntryPair pair = pairs.LookUp(bits.front);
+            const bool incomplete = pair.IsIncomplete();
+            if (incomplete) [[unlikely]] {
                 bits.Fill();
-                const Step step = table.Next(bits.front);
-                if (step.IsUnknown())
+                const HuffmanEntry entry = table.Find(bits.front);
+                if (entry.IsInvalid())
                     return 0;
-                pair = StepPair(step);
+                pair = EntryPair(entry);
             }
-            const unsigned first = done + pair.FirstFurther();
-            done = first + pair.SecondFurther();
-            block[kPlaces[first]] = pair.FirstValue();
-            block[kPlaces[done]] = pair.SecondValue();
+            const unsigned first = done + pair.FirstAdvance();
+            done = first + pair.SecondAdvance();
+            block[kZigzag[first]] = pair.FirstCoefficient();
+            block[kZigzag[done]] = pair.SecondCoefficient();
             if (done >= kBlockSize) {
-                const bool alone = first >= kBlockSize; // then the second is the next block's
+                const bool alone = first >= kBlockSize; // the second one belongs to the next block
                 bits.Drop(alone ? pair.FirstBits() : pair.Bits());
-                return UsedOf(alone ? first : done);
+                return CoefficientsUpTo(alone ? first : done);
             }
             bits.Drop(pair.Bits());
-            if (open) [[unlikely]]
+            if (incomplete) [[unlikely]]
                 break;
         }
     }
 }
 
-// The step of a first coefficient.
-[[gnu::always_inline]] inline Step ReadDifference(Bits& bits, const CodeTable& table)
+// Decodes a DC difference.
+[[gnu::always_inline]] inline HuffmanEntry ReadDcDifference(BitBuffer& bits, const HuffmanTable& table)
 {
     bits.Fill();
-    Step step = table.Look(bits.front);
-    const bool open = step.IsOpen();
-    if (open) [[unlikely]]
-        step = table.Complete(step, bits.front);
-    bits.Drop(step.Bits());
-    if (open) [[unlikely]]
+    HuffmanEntry entry = table.LookUp(bits.front);
+    const bool incomplete = entry.IsIncomplete();
+    if (incomplete) [[unlikely]]
+        entry = table.Complete(entry, bits.front);
+    bits.Drop(entry.Bits());
+    if (incomplete) [[unlikely]]
         bits.Fill();
-    return step;
+    return entry;
 }
 
 } // namespace
 
-Scan::Codes::Codes(const Component& component)
-    : differences(component.differences, CodeTable::Of::Differences)
-    , coefficients(component.coefficients, CodeTable::Of::Coefficients)
-    , pairs(coefficients)
+Scan::Tables::Tables(const Component& component)
+    : dc(component.dc, HuffmanTable::Kind::Dc), ac(component.ac, HuffmanTable::Kind::Ac), pairs(ac)
 {
 }
 
-Scan::Plane::Plane(const Component& component, std::shared_ptr<const Codes> codes)
+Scan::Plane::Plane(const Component& component, std::shared_ptr<const Tables> tables)
     : across(static_cast<std::size_t>(component.across))
     , down(static_cast<std::size_t>(component.down))
-    , codes(std::move(codes))
-    , quantisers(component.quantisers)
+    , tables(std::move(tables))
+    , quantisation(component.quantisation)
 {
 }
 
 namespace {
 
-std::size_t BlocksOfUnit(const Frame& frame)
+std::size_t BlocksPerMcu(const Frame& frame)
 {
     std::size_t blocks = 0;
     for (const Component& component : frame.components)
@@ -122,77 +119,78 @@ std::size_t BlocksOfUnit(const Frame& frame)
     return blocks;
 }
 
-constexpr std::size_t kMostBlockBytes = kBlockSize * (16 + 15) / 8; // codes and values of the longest
+constexpr std::size_t kLongestBlock
+    = kBlockSize * (16 + 15) / 8; // bytes: the longest codes and additional bits
 
 } // namespace
 
-std::size_t Scan::UnitsAcross(const Frame& frame) noexcept
+std::size_t Scan::McusPerRow(const Frame& frame) noexcept
 {
     const std::size_t pixels = kBlockSide * static_cast<std::size_t>(frame.components.front().across);
     return (static_cast<std::size_t>(frame.width) + pixels - 1) / pixels;
 }
 
 Scan::Scan(const Frame& frame)
-    : unitsAcross(UnitsAcross(frame))
+    : mcusPerRow(McusPerRow(frame))
     , restartInterval(frame.restartInterval)
     , untilRestart(restartInterval)
-    , bytes(frame.scan, kMostBlockBytes * BlocksOfUnit(frame))
+    , bytes(frame.scan, kLongestBlock * BlocksPerMcu(frame))
     , bits(bytes.Start())
 {
     planes.reserve(frame.components.size());
     for (std::size_t i = 0; i < frame.components.size(); ++i) {
-        const Codes& codes = *planes.emplace_back(frame.components[i], CodesFor(frame, i)).codes;
-        valid = valid && codes.differences.Valid() && codes.coefficients.Valid();
+        const Tables& tables = *planes.emplace_back(frame.components[i], TablesFor(frame, i)).tables;
+        valid = valid && tables.dc.Valid() && tables.ac.Valid();
     }
 }
 
-// Tables that are not there twice stay in the processor's nearest cache.
-std::shared_ptr<const Scan::Codes> Scan::CodesFor(const Frame& frame, std::size_t component) const
+// Tables that two components share stay in the nearest cache.
+std::shared_ptr<const Scan::Tables> Scan::TablesFor(const Frame& frame, std::size_t component) const
 {
     const Component& wanted = frame.components[component];
     for (std::size_t i = 0; i < component; ++i) {
         const Component& made = frame.components[i];
-        if (made.differences == wanted.differences && made.coefficients == wanted.coefficients)
-            return planes[i].codes;
+        if (made.dc == wanted.dc && made.ac == wanted.ac)
+            return planes[i].tables;
     }
-    return std::make_shared<Codes>(wanted);
+    return std::make_shared<Tables>(wanted);
 }
 
 bool Scan::DecodeRow(const std::vector<PlaneRows>& targets)
 {
-    if (!DecodeUnits(targets) || !bytes.Had(bits))
+    if (!DecodeMcus(targets) || !bytes.Within(bits))
         return false;
     for (std::size_t i = 0; i < planes.size(); ++i) {
         Plane& plane = planes[i];
-        if (!plane.pair.Empty() && !plane.pair.Transform(plane.quantisers, targets[i].stride))
+        if (!plane.pair.Empty() && !plane.pair.Transform(plane.quantisation, targets[i].stride))
             return false;
     }
     return true;
 }
 
-[[gnu::target("avx2,bmi,bmi2")]] bool Scan::DecodeUnits(const std::vector<PlaneRows>& targets)
+[[gnu::target("avx2,bmi,bmi2")]] bool Scan::DecodeMcus(const std::vector<PlaneRows>& targets)
 {
-    Bits now = bits; // stays in registers
-    for (std::size_t unit = 0; unit < unitsAcross; ++unit) {
+    BitBuffer now = bits; // stays in registers
+    for (std::size_t mcu = 0; mcu < mcusPerRow; ++mcu) {
         if (restartInterval != 0 && untilRestart-- == 0) [[unlikely]] {
-            if (!Restart(Bits(now)))
+            if (!Restart(BitBuffer(now)))
                 return false;
             now = bits;
         }
-        if (!bytes.Ready(now) || !DecodeUnit(now, targets, unit))
+        if (!bytes.Ready(now) || !DecodeMcu(now, targets, mcu))
             return false;
     }
     bits = now;
     return true;
 }
 
-[[gnu::always_inline]] inline bool Scan::DecodeUnit(
-    Bits& now, const std::vector<PlaneRows>& targets, std::size_t unit)
+[[gnu::always_inline]] inline bool Scan::DecodeMcu(
+    BitBuffer& now, const std::vector<PlaneRows>& targets, std::size_t mcu)
 {
     for (std::size_t i = 0; i < planes.size(); ++i) {
         Plane& plane = planes[i];
         const PlaneRows& target = targets[i];
-        std::uint8_t* samples = target.samples + kBlockSide * plane.across * unit;
+        std::uint8_t* samples = target.samples + kBlockSide * plane.across * mcu;
         for (std::size_t row = 0; row < plane.down; ++row, samples += kBlockSide * target.stride)
             for (std::size_t column = 0; column < plane.across; ++column)
                 if (!DecodeBlock(now, plane, samples + kBlockSide * column, target.stride))
@@ -202,31 +200,31 @@ bool Scan::DecodeRow(const std::vector<PlaneRows>& targets)
 }
 
 [[gnu::always_inline]] inline bool Scan::DecodeBlock(
-    Bits& now, Plane& plane, std::uint8_t* target, std::size_t stride)
+    BitBuffer& now, Plane& plane, std::uint8_t* target, std::size_t stride)
 {
-    constexpr int kFurthest = std::numeric_limits<std::int16_t>::max();
-    const Step difference = ReadDifference(now, plane.codes->differences);
-    plane.first += difference.Value();
-    if (difference.IsUnknown() || plane.first > kFurthest || plane.first < -kFurthest)
+    constexpr int kLargest = std::numeric_limits<std::int16_t>::max();
+    const HuffmanEntry difference = ReadDcDifference(now, plane.tables->dc);
+    plane.dcPredictor += difference.Coefficient();
+    if (difference.IsInvalid() || plane.dcPredictor > kLargest || plane.dcPredictor < -kLargest)
         return false;
     std::int16_t* const block = plane.pair.Next();
-    block[0] = static_cast<std::int16_t>(plane.first);
-    const unsigned used = ReadCoefficients(now, plane.codes->coefficients, plane.codes->pairs, block);
-    if (used == 0)
+    block[0] = static_cast<std::int16_t>(plane.dcPredictor);
+    const unsigned coefficients = ReadAcCoefficients(now, plane.tables->ac, plane.tables->pairs, block);
+    if (coefficients == 0)
         return false;
-    plane.pair.Add(target, used);
-    return !plane.pair.Full() || plane.pair.Transform(plane.quantisers, stride);
+    plane.pair.Add(target, coefficients);
+    return !plane.pair.Full() || plane.pair.Transform(plane.quantisation, stride);
 }
 
-bool Scan::Restart(const Bits& behind)
+bool Scan::Restart(const BitBuffer& now)
 {
     constexpr unsigned kNumbers = 8;
-    if (!bytes.PassRestart(behind, restarts++ % kNumbers))
+    if (!bytes.SkipRestartMarker(now, restarts++ % kNumbers))
         return false;
     bits = bytes.Start();
     untilRestart = restartInterval - 1;
     for (Plane& plane : planes)
-        plane.first = 0;
+        plane.dcPredictor = 0;
     return true;
 }
 

@@ -10,7 +10,7 @@
 #include "imaging/Fault.h"
 #include "imaging/bits/Processor.h"
 #include "imaging/jpeg/Jpeg.h"
-#include "imaging/jpeg/baseline/EntropyBytes.h"
+#include "imaging/jpeg/baseline/EntropyCodedSegment.h"
 #include "imaging/jpeg/baseline/Scan.h"
 #include "tests/support/Naming.h"
 #include "tests/support/ReadData.h"
@@ -108,31 +108,31 @@ INSTANTIATE_TEST_SUITE_P(Jpeg, BaselineJpeg, testing::ValuesIn(kDrawn), tests::k
 baseline::Frame FrameIn(imaging::Bytes file)
 {
     baseline::Frame frame;
-    std::array<std::array<std::uint16_t, baseline::kBlockSize>, 4> quantisers {};
-    std::array<baseline::CodeList, 32> codes {};
+    std::array<std::array<std::uint16_t, baseline::kBlockSize>, 4> quantisation {};
+    std::array<baseline::HuffmanSpec, 32> tables {};
     for (std::size_t at = 2; frame.scan.empty();
          at += 2 + static_cast<std::size_t>(file[at + 2] << 8 | file[at + 3])) {
         const std::uint8_t* const segment = file.data() + at + 4;
         const auto size = static_cast<std::size_t>(file[at + 2] << 8 | file[at + 3]) - 2;
         switch (file[at + 1]) {
         case 0xDB: // their order does not matter to who only reads codes
-            std::copy_n(segment + 1, baseline::kBlockSize, quantisers[segment[0]].begin());
+            std::copy_n(segment + 1, baseline::kBlockSize, quantisation[segment[0]].begin());
             break;
         case 0xC4:
-            std::copy_n(segment + 1, 16, codes[segment[0]].counts.begin() + 1);
-            std::copy_n(segment + 17, size - 17, codes[segment[0]].symbols.begin());
+            std::copy_n(segment + 1, 16, tables[segment[0]].counts.begin() + 1);
+            std::copy_n(segment + 17, size - 17, tables[segment[0]].symbols.begin());
             break;
         case 0xC0:
             frame.height = segment[1] << 8 | segment[2];
             frame.width = segment[3] << 8 | segment[4];
             for (const std::uint8_t* c = segment + 6; c < segment + size; c += 3)
-                frame.components.push_back({ c[1] >> 4, c[1] & 15, quantisers[c[2]], {}, {} });
+                frame.components.push_back({ c[1] >> 4, c[1] & 15, quantisation[c[2]], {}, {} });
             break;
         case 0xDD: frame.restartInterval = static_cast<unsigned>(segment[0] << 8 | segment[1]); break;
         case 0xDA:
             for (std::size_t i = 0; i < segment[0]; ++i) {
-                frame.components[i].differences = codes[segment[2 + 2 * i] >> 4];
-                frame.components[i].coefficients = codes[16 | (segment[2 + 2 * i] & 15)];
+                frame.components[i].dc = tables[segment[2 + 2 * i] >> 4];
+                frame.components[i].ac = tables[16 | (segment[2 + 2 * i] & 15)];
             }
             frame.scan = file.subspan(at + 4 + size);
             break;
@@ -160,8 +160,8 @@ TEST_P(PlainJpeg, NeedsNoHelp)
     constexpr std::size_t kStride = 128;
     Bytes samples(kStride * 16);
     const std::vector<baseline::PlaneRows> targets(frame.components.size(), { samples.data(), kStride });
-    const int unitRows = 8 * frame.components.front().down;
-    for (int y = 0; y < frame.height; y += unitRows)
+    const int mcuRows = 8 * frame.components.front().down;
+    for (int y = 0; y < frame.height; y += mcuRows)
         EXPECT_TRUE(scan.DecodeRow(targets)) << "row " << y;
 }
 
@@ -226,9 +226,9 @@ INSTANTIATE_TEST_SUITE_P(Jpeg, ChangedBaselineJpeg, testing::ValuesIn(kChanged),
 // ---- Coded bytes
 
 // Every length around the room there is: a mark may be the last byte that still fits in.
-TEST(EntropyBytes, HandsOutAllBytesUpToAMarkerWhereverItLies)
+TEST(EntropyCodedSegment, HandsOutAllBytesUpToAMarkerWhereverItLies)
 {
-    constexpr std::size_t kUnit = 40, kShortest = 16'200, kLongest = 16'600;
+    constexpr std::size_t kUnit = 40, kShortest = 16'200, kLongestCode = 16'600;
     Bytes file, plain;
     for (std::size_t i = 0; i < kShortest; ++i) {
         plain.push_back(i % 97 == 0 ? 0xFF : static_cast<std::uint8_t>(i));
@@ -236,12 +236,12 @@ TEST(EntropyBytes, HandsOutAllBytesUpToAMarkerWhereverItLies)
         if (plain.back() == 0xFF)
             file.push_back(0);
     }
-    for (; plain.size() < kLongest; plain.push_back(7), file.push_back(7)) {
+    for (; plain.size() < kLongestCode; plain.push_back(7), file.push_back(7)) {
         Bytes scan = file;
         for (const int byte : { 0xFF, 0xD3, 0x55 })
             scan.push_back(static_cast<std::uint8_t>(byte));
-        baseline::EntropyBytes bytes(scan, kUnit);
-        baseline::Bits bits = bytes.Start();
+        baseline::EntropyCodedSegment bytes(scan, kUnit);
+        baseline::BitBuffer bits = bytes.Start();
         std::size_t wrong = 0;
         for (const std::uint8_t byte : plain) {
             wrong += !bytes.Ready(bits);
@@ -250,25 +250,25 @@ TEST(EntropyBytes, HandsOutAllBytesUpToAMarkerWhereverItLies)
             bits.Drop(8);
         }
         ASSERT_EQ(wrong, 0) << plain.size();
-        ASSERT_TRUE(bytes.Had(bits));
-        ASSERT_TRUE(bytes.PassRestart(bits, 3)) << plain.size();
+        ASSERT_TRUE(bytes.Within(bits));
+        ASSERT_TRUE(bytes.SkipRestartMarker(bits, 3)) << plain.size();
     }
 }
 
-TEST(EntropyBytes, PassesTheMarkerThatIsNextAndNoOther)
+TEST(EntropyCodedSegment, PassesTheMarkerThatIsNextAndNoOther)
 {
     const Bytes scan { 0x12, 0xFF, 0xFF, 0xD0, 0x34, 0xFF, 0xD9 };
-    baseline::EntropyBytes bytes(scan, 8);
-    baseline::Bits bits = bytes.Start();
+    baseline::EntropyCodedSegment bytes(scan, 8);
+    baseline::BitBuffer bits = bytes.Start();
     ASSERT_TRUE(bytes.Ready(bits));
     bits.Fill();
-    EXPECT_FALSE(bytes.PassRestart(bits, 0)) << "a byte is left";
+    EXPECT_FALSE(bytes.SkipRestartMarker(bits, 0)) << "a byte is left";
     bits.Drop(5);
-    EXPECT_TRUE(bytes.PassRestart(bits, 0)) << "what is left of a byte is padding";
+    EXPECT_TRUE(bytes.SkipRestartMarker(bits, 0)) << "what is left of a byte is padding";
     bits = bytes.Start();
     ASSERT_TRUE(bytes.Ready(bits));
     bits.Fill();
     EXPECT_EQ(bits.front >> 56, 0x34);
     bits.Drop(9);
-    EXPECT_FALSE(bytes.Had(bits)) << "a bit that was not there";
+    EXPECT_FALSE(bytes.Within(bits)) << "a bit that was not there";
 }

@@ -1,4 +1,4 @@
-#include "imaging/jpeg/baseline/BlockPair.h"
+#include "imaging/jpeg/baseline/IdctPair.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -9,19 +9,19 @@
 
 namespace veltrane::imaging::jpeg::baseline {
 
-Quantisers::Quantisers(const std::array<std::uint16_t, kBlockSize>& table) : factors(table)
+QuantisationTable::QuantisationTable(const std::array<std::uint16_t, kBlockSize>& table) : factors(table)
 {
-    constexpr int kFurthest = 8191; // four times that, and the sum of two, fit 16 bits
+    constexpr int kLargest = 8191; // four times that, or the sum of two, fits 16 bits
     for (std::size_t i = 0; i < kBlockSize; ++i)
         limits[i] = static_cast<std::int16_t>(
-            factors[i] == 0 ? std::numeric_limits<std::int16_t>::max() : kFurthest / factors[i]);
+            factors[i] == 0 ? std::numeric_limits<std::int16_t>::max() : kLargest / factors[i]);
 }
 
 namespace {
 
-// The inverse transform in integers, exact to the last bit as the Independent JPEG Group's "slow integer"
-// method: C. Loeffler, A. Ligtenberg, G. Moschytz, "Practical fast 1-D DCT algorithms with 11
-// multiplications", ICASSP 1989, with 13 bits behind the point and two more kept between the passes.
+// The inverse DCT in integers, exact to the last bit as the Independent JPEG Group's "slow integer" method:
+// C. Loeffler, A. Ligtenberg, G. Moschytz, "Practical fast 1-D DCT algorithms with 11 multiplications",
+// ICASSP 1989, with 13 fractional bits and two more kept between the passes.
 constexpr int kFractionBits = 13, kKeptBits = 2;
 constexpr int kFirstShift = kFractionBits - kKeptBits, kSecondShift = kFractionBits + kKeptBits + 3;
 
@@ -33,7 +33,8 @@ struct Rows {
     __m256i at[8];
 };
 
-constexpr unsigned kFew = 10; // coefficients, in zigzag order, that lie in the first four rows and columns
+constexpr unsigned kFewCoefficients
+    = 10; // coefficients, in zigzag order, that lie in the first four rows and columns
 
 #define FOR_AVX2 [[gnu::target("avx2"), gnu::always_inline]] inline
 
@@ -176,7 +177,8 @@ FOR_AVX2 __m256i Twice(const void* row)
 
 // Rows of coefficients, which become 0, multiplied. False when one is beyond its limit.
 template<std::size_t count>
-FOR_AVX2 bool TakeRows(Rows& x, std::int16_t* first, std::int16_t* second, const Quantisers& quantisers)
+FOR_AVX2 bool TakeRows(
+    Rows& x, std::int16_t* first, std::int16_t* second, const QuantisationTable& quantisation)
 {
     __m256i beyond = _mm256_setzero_si256();
     for (std::size_t i = 0; i < count; ++i) {
@@ -185,18 +187,18 @@ FOR_AVX2 bool TakeRows(Rows& x, std::int16_t* first, std::int16_t* second, const
         const __m256i row = _mm256_inserti128_si256(_mm256_castsi128_si256(*one), *two, 1);
         *one = *two = _mm_setzero_si128();
         beyond = _mm256_or_si256(
-            beyond, _mm256_cmpgt_epi16(_mm256_abs_epi16(row), Twice(quantisers.limits.data() + 8 * i)));
-        x.at[i] = _mm256_mullo_epi16(row, Twice(quantisers.factors.data() + 8 * i));
+            beyond, _mm256_cmpgt_epi16(_mm256_abs_epi16(row), Twice(quantisation.limits.data() + 8 * i)));
+        x.at[i] = _mm256_mullo_epi16(row, Twice(quantisation.factors.data() + 8 * i));
     }
     return _mm256_testz_si256(beyond, beyond) != 0;
 }
 
 template<bool few>
 [[gnu::target("avx2")]] bool TransformBlocks(std::int16_t* first, std::int16_t* second,
-    const std::array<std::uint8_t*, 2>& targets, std::size_t stride, const Quantisers& quantisers)
+    const std::array<std::uint8_t*, 2>& targets, std::size_t stride, const QuantisationTable& quantisation)
 {
     Rows x {};
-    const bool within = TakeRows < few ? 4 : 8 > (x, first, second, quantisers);
+    const bool within = TakeRows < few ? 4 : 8 > (x, first, second, quantisation);
     Pass<few, kFirstShift>(x);
     Transpose(x);
     Pass<few, kSecondShift>(x);
@@ -206,7 +208,7 @@ template<bool few>
 
 #undef FOR_AVX2
 
-// The same for blocks that are even areas: of their first coefficient alone.
+// The inverse DCT of a block whose only non-zero coefficient is DC: an even area.
 void FillBlock(std::int16_t& coefficient, std::uint8_t* target, std::size_t stride, unsigned factor)
 {
     const int raised
@@ -217,27 +219,28 @@ void FillBlock(std::int16_t& coefficient, std::uint8_t* target, std::size_t stri
 }
 
 bool FillBlocks(std::int16_t* first, std::int16_t* second, const std::array<std::uint8_t*, 2>& targets,
-    std::size_t stride, const Quantisers& quantisers)
+    std::size_t stride, const QuantisationTable& quantisation)
 {
-    const int limit = quantisers.limits[0];
+    const int limit = quantisation.limits[0];
     const bool within = std::abs(*first) <= limit && std::abs(*second) <= limit;
-    FillBlock(*second, targets[1], stride, quantisers.factors[0]);
-    FillBlock(*first, targets[0], stride, quantisers.factors[0]);
+    FillBlock(*second, targets[1], stride, quantisation.factors[0]);
+    FillBlock(*first, targets[0], stride, quantisation.factors[0]);
     return within;
 }
 
 } // namespace
 
-bool BlockPair::Transform(const Quantisers& quantisers, std::size_t stride) noexcept
+bool IdctPair::Transform(const QuantisationTable& quantisation, std::size_t stride) noexcept
 {
     if (!Full())
         targets[1] = targets[0]; // the first block's samples are written last
     std::int16_t *const first = blocks[0].data(), *const second = blocks[1].data();
-    const bool within = mostUsed == 1 ? FillBlocks(first, second, targets, stride, quantisers)
-        : mostUsed <= kFew            ? TransformBlocks<true>(first, second, targets, stride, quantisers)
-                                      : TransformBlocks<false>(first, second, targets, stride, quantisers);
+    const bool within = mostCoefficients == 1 ? FillBlocks(first, second, targets, stride, quantisation)
+        : mostCoefficients <= kFewCoefficients
+        ? TransformBlocks<true>(first, second, targets, stride, quantisation)
+        : TransformBlocks<false>(first, second, targets, stride, quantisation);
     count = 0;
-    mostUsed = 0;
+    mostCoefficients = 0;
     return within;
 }
 
