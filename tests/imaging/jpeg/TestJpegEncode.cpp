@@ -11,7 +11,6 @@
 #include "imaging/colour/Colour.h"
 #include "imaging/colour/SrgbProfile.h"
 #include "imaging/jpeg/Jpeg.h"
-#include "platform/values/Exceptions.h"
 #include "tests/support/Naming.h"
 #include "tests/support/Pictures.h"
 #include "tests/support/Pnm.h"
@@ -28,8 +27,10 @@ struct Collector final : imaging::Sink {
     void Write(Bytes more) override { bytes.insert(bytes.end(), more.begin(), more.end()); }
 };
 
+struct DiskFull { };
+
 struct Full final : imaging::Sink {
-    void Write(Bytes) override { throw IOException("disque plein", 28); }
+    void Write(Bytes) override { throw DiskFull(); }
 };
 
 Bitmap Scene()
@@ -215,7 +216,7 @@ TEST(JpegEncode, ProfilesAreSmallAndSrgbInEffect)
 TEST(JpegEncode, PassesOnWhatTheSinkRaises)
 {
     Full sink;
-    EXPECT_THROW(kJpeg.encode(Scene(), 80, sink), IOException);
+    EXPECT_THROW(kJpeg.encode(Scene(), 80, sink), DiskFull);
 }
 
 TEST(JpegEncode, AnySizeFromOnePixel)

@@ -302,3 +302,12 @@ TEST(PngEncode, SwitchesBetweenKindsWithinAPicture)
     kPng.encode(picture, -1, file);
     ExpectSame(kPng.decode(file.bytes, imaging::Limits {}), picture);
 }
+
+TEST(PngEncode, PassesOnWhatTheSinkRaises)
+{
+    struct DiskFull { };
+    struct Full final : imaging::Sink {
+        void Write(Bytes) override { throw DiskFull(); }
+    } sink;
+    EXPECT_THROW(kPng.encode(Painted(4, 3, kText), -1, sink), DiskFull);
+}
