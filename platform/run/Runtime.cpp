@@ -126,7 +126,7 @@ Ref<Window> Runtime::LiveWindow(const String& className) const
 
 void Runtime::OpenDocument(const Ref<FolderItem>& file)
 {
-    Post({ Waiting::Kind::Document, [this, file] {
+    Post({ Waiting::Kind::Document, [this, file, waits = originals.Await({ file->Path() })] {
               TakeInHand(file, 0);
               application->Event_OpenDocument(file);
           } });
@@ -140,7 +140,8 @@ bool Runtime::TakesDocuments() const noexcept
 
 void Runtime::Drop(const Ref<Window>& window, const Ref<DragItem>& payload)
 {
-    Post({ Waiting::Kind::Drop, [window, payload] { window->TakeDrop(payload); } });
+    Post({ Waiting::Kind::Drop,
+        [window, payload, waits = originals.Await(payload->LocalPaths())] { window->TakeDrop(payload); } });
 }
 
 void Runtime::TellLater(const RuntimeException& failure)
@@ -239,6 +240,13 @@ void Runtime::Guard(const std::function<void()>& routine)
 void Runtime::TakeInHand(const Ref<FolderItem>& file, std::size_t left)
 {
     inHand = { file, left };
+    if (file)
+        originals.TakeIn(file->Path());
+}
+
+Ref<FolderItem> Runtime::OriginalReplacedBy(const Ref<FolderItem>& copy) const
+{
+    return FolderItem::FromPath(originals.ReplacedAt(copy->Path()));
 }
 
 String Runtime::Describe(const RuntimeException& failure) const

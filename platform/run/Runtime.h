@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/files/FolderItem.h"
+#include "platform/files/Originals.h"
 #include "platform/run/Toolkit.h"
 #include "platform/values/Ref.h"
 #include "platform/values/String.h"
@@ -114,8 +115,16 @@ public:
     /// One turn for the toolkit. Raises EndException inside a drop when a close or a stop was asked for.
     void Yield();
 
-    /// The file that is being taken in, for messages; `left` items wait behind it.
+    /// Notes the file that is taken in now, for messages and as an original; `left` items of the drop follow
+    /// it.
     void TakeInHand(const Ref<FolderItem>& file, std::size_t left);
+
+    /// The original that a new file in the place of `copy` would replace: one that was taken in during this
+    /// run, or that waits in the drop or among the documents. Nil when there is none.
+    [[nodiscard]] Ref<FolderItem> OriginalReplacedBy(const Ref<FolderItem>& copy) const;
+
+    /// Takes note that the file is a copy that has just been written, and no original.
+    void Copied(const Ref<FolderItem>& copy) { originals.Copied(copy->Path()); }
 
     [[nodiscard]] bool OnMainThread() const noexcept { return std::this_thread::get_id() == mainThread; }
 
@@ -146,6 +155,7 @@ private:
     std::deque<Waiting> waiting;
     const Waiting* underWay = nullptr;
     InHand inHand;
+    Originals originals;
     std::string executable;
     int exitStatus = 0;
     bool running = false, starting = false, ended = false;

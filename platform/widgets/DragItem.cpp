@@ -73,6 +73,16 @@ Ref<veltrane::FolderItem> DragItem::FolderItem() const
     return file;
 }
 
+std::vector<std::string> DragItem::LocalPaths() const
+{
+    std::vector<std::string> paths;
+    for (const std::string& address : addresses) {
+        if (std::optional<std::string> path = LocalPath(address))
+            paths.push_back(std::move(*path));
+    }
+    return paths;
+}
+
 bool DragItem::NextItem()
 {
     if (current < addresses.size())

@@ -30,6 +30,9 @@ public:
     /// message about a failure names.
     [[nodiscard]] Ref<veltrane::FolderItem> FolderItem() const;
 
+    /// The paths of all items that are local files, of whatever type.
+    [[nodiscard]] std::vector<std::string> LocalPaths() const;
+
     /// Moves to the next item; false when there is none.
     bool NextItem();
 

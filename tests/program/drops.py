@@ -208,6 +208,22 @@ def failure_ends_the_drop(place):
     equal((place.pictures / "3.png").exists(), False, "the rest of the drop taken in")
 
 
+def both_of_one_name(place):
+    """The copy of the first would replace the second, which waits in the same drop."""
+    files = make(place, "logo.jpg", "logo.png", "z.gif")
+    pictures.make(files[1], pictures.BLUE)
+    before = [file.read_bytes() for file in files]
+    with place.start() as program:
+        drop(place, program, uri_list(files))
+        until(program.message, "a message")
+        message = program.answer()
+        equal("« logo.png »" in message and "« logo.jpg »" in message, True, f"both names in it ({message})")
+        program.idle(3)
+        equal(program.close(), 0, "exit status")
+    equal([file.read_bytes() for file in files], before, "the originals")
+    equal(names(place.pictures), [b"logo.jpg", b"logo.png", b"z.gif", b"z.png"], "the folder")
+
+
 check(
     [
         ("one file", one_file),
@@ -228,6 +244,7 @@ check(
             "ended by SIGTERM in the middle of a drop",
             closed_in_the_middle(lambda program: program.terminate()),
         ),
+        ("two originals, one of which has the name of the other's copy", both_of_one_name),
         ("a failure ends its drop and says how many are left", failure_ends_the_drop),
     ]
 )

@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -214,6 +216,96 @@ TEST(Intake, ALinkToTheSourceIsReplacedAndTheSourceStays)
     EXPECT_EQ(run.pictures.Read("photo.gif"), source);
     EXPECT_EQ(FormatOf(run.pictures.Path("photo.png")), "PNG");
 }
+
+struct OriginalCase {
+    const char* name; ///< the way in which the copy of a.jpg would replace an original, a.png
+    void (*prepare)(ProgramRun&);
+    const char* message; ///< null: nothing is refused
+    bool copied = false; ///< whether a.png is the copy afterwards
+};
+
+constexpr const char* kOriginal = "Erreur de type : « a.png » est un fichier d'origine : "
+                                  "la copie de « a.jpg » ne le remplace pas";
+constexpr const char* kOtherName
+    = "Erreur de type : « a.png » est un autre nom du fichier d'origine « b.gif » : "
+      "la copie de « a.jpg » ne le remplace pas";
+
+const OriginalCase kOriginals[] = {
+    { "LaterInTheSameDrop",
+        [](ProgramRun& run) {
+            run.Drop({ "a.jpg", "a.png" });
+        },
+        kOriginal },
+    { "EarlierInTheSameDrop",
+        [](ProgramRun& run) {
+            run.Drop({ "a.png", "a.jpg" });
+        },
+        kOriginal },
+    { "InAnotherDropThatWaits",
+        [](ProgramRun& run) {
+            run.Drop({ "a.jpg" });
+            run.Drop({ "a.png" });
+        },
+        kOriginal },
+    { "AmongTheDocumentsThatWait",
+        [](ProgramRun& run) {
+            run.Open("a.jpg");
+            run.Open("a.png");
+        },
+        kOriginal },
+    { "TakenInLongBefore",
+        [](ProgramRun& run) {
+            run.Open("a.png");
+            run.Open("b.gif");
+            run.Open("a.jpg");
+        },
+        kOriginal },
+    { "UnderASecondNameThatWaits",
+        [](ProgramRun& run) {
+            std::filesystem::remove(run.pictures.Path("b.gif"));
+            std::filesystem::create_hard_link(run.pictures.Path("a.png"), run.pictures.Path("b.gif"));
+            run.Drop({ "a.jpg", "b.gif" });
+        },
+        kOtherName },
+    { "OverALinkThatWaits",
+        [](ProgramRun& run) {
+            std::filesystem::remove(run.pictures.Path("b.gif"));
+            std::filesystem::create_symlink("a.png", run.pictures.Path("b.gif"));
+            run.Drop({ "a.jpg", "b.gif" });
+        },
+        kOtherName },
+    { "AnyOtherFileIsReplaced",
+        [](ProgramRun& run) {
+            run.Drop({ "a.jpg", "b.gif" });
+        },
+        nullptr, true },
+    { "ItsOwnCopyIsReplacedAgain",
+        [](ProgramRun& run) {
+            run.Open("a.jpg");
+            run.Open("a.jpg");
+        },
+        nullptr, true },
+};
+
+class OriginalFiles : public testing::TestWithParam<OriginalCase> { };
+
+TEST_P(OriginalFiles, AreNeverReplacedByACopy)
+{
+    const OriginalCase& c = GetParam();
+    ProgramRun run;
+    run.Settings(kSettings[kPng]);
+    run.Plain("a.jpg", 5, 2);
+    run.Plain("a.png", 6, 3);
+    run.Plain("b.gif", 7, 4);
+    const std::string original = run.pictures.Read("a.png");
+    c.prepare(run);
+    run.Go();
+    const auto expected = c.message ? std::vector<std::string> { c.message } : std::vector<std::string> {};
+    EXPECT_EQ(run.Messages(), expected);
+    EXPECT_EQ(run.pictures.Read("a.png") != original, c.copied);
+}
+
+INSTANTIATE_TEST_SUITE_P(Intake, OriginalFiles, testing::ValuesIn(kOriginals), tests::kByName);
 
 TEST(Intake, WhatCannotBeTakenInChangesNothing)
 {
