@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "imaging/deflate/Checksum.h"
+#include "imaging/png/Checksum.h"
 
 using namespace veltrane;
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 /// Packs codes into memory, the first bit lowest, as deflate wants them (RFC 1951, 3.1.1). The owner of the
 /// memory sees to it that there is room: 8 bytes more than what is put.
@@ -61,4 +61,4 @@ private:
     std::uint8_t* at;
 };
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

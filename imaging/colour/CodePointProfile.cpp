@@ -5,7 +5,9 @@
 #include <optional>
 #include <string_view>
 
-namespace veltrane::imaging::png {
+#include "imaging/colour/Colour.h"
+
+namespace veltrane::imaging {
 
 namespace {
 
@@ -200,4 +202,4 @@ std::vector<std::uint8_t> ProfileOf(const CodePoints& points)
     return { to.Written().begin(), to.Written().end() };
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

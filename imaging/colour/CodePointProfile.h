@@ -3,9 +3,14 @@
 #include <cstdint>
 #include <vector>
 
-#include "imaging/png/Chunks.h"
+namespace veltrane::imaging {
 
-namespace veltrane::imaging::png {
+/// Primaries and transfer function by their numbers in ITU-T H.273, as PNG's cICP chunk gives them.
+/// Source: PNG 3rd ed., 11.3.2.6.
+struct CodePoints {
+    int primaries = 0;
+    int transfer = 0;
+};
 
 /// Whether the code points say sRGB itself.
 [[nodiscard]] bool IsSrgb(const CodePoints& points) noexcept;
@@ -15,4 +20,4 @@ namespace veltrane::imaging::png {
 /// Source: ITU-T H.273 (2024), tables 2 and 3; ICC.1:2022, 8.3 and 10.18.
 [[nodiscard]] std::vector<std::uint8_t> ProfileOf(const CodePoints& points);
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

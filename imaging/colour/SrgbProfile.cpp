@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <initializer_list>
 
-namespace veltrane::imaging::jpeg {
+namespace veltrane::imaging {
 
 namespace {
 
@@ -179,4 +179,4 @@ Bytes SrgbGreyProfile() noexcept
     return Bytes(kGrey.bytes).first(kGrey.size);
 }
 
-} // namespace veltrane::imaging::jpeg
+} // namespace veltrane::imaging

@@ -7,7 +7,7 @@
 #include "imaging/bits/Processor.h"
 #include "imaging/deflate/Huffman.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 namespace {
 
@@ -371,4 +371,4 @@ void WriteBlock(BitWriter& to, const Block& block, Bytes bytes, bool last)
     }
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

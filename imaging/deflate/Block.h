@@ -9,7 +9,7 @@
 #include "imaging/bits/BitWriter.h"
 #include "imaging/bits/Bytes.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 constexpr std::size_t kLiteralSymbols = 286; ///< bytes, end of block, lengths; RFC 1951, 3.2.5
 constexpr std::size_t kDistanceSymbols = 30;
@@ -53,4 +53,4 @@ struct Block {
 /// Writes the block in the form that is shortest. `bytes`: what the sequences cover.
 void WriteBlock(BitWriter& to, const Block& block, Bytes bytes, bool last);
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 /// How many bytes are equal, from `known` on, `most` at most.
 inline unsigned CommonLength(
@@ -25,4 +25,4 @@ inline unsigned CommonLength(
     return known;
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

@@ -9,7 +9,7 @@
 
 #include "imaging/deflate/CommonLength.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 namespace {
 
@@ -221,4 +221,4 @@ void GrainFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_
     }
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

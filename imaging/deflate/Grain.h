@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "imaging/deflate/Block.h"
-#include "imaging/png/Layout.h"
+#include "imaging/deflate/Layout.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 /// Finds repeated pixels in what prediction left of a photograph with little colour or much grain. Looks at
 /// one candidate for each pixel, and takes only what is shorter than its literals would be.
@@ -27,4 +27,4 @@ private:
     Heads heads;
 };
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 namespace {
 
@@ -27,4 +27,4 @@ void AssignCodes(std::span<const std::uint8_t> lengths, std::span<std::uint16_t>
     }
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

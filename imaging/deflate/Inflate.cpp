@@ -9,7 +9,7 @@
 
 #include "imaging/Fault.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 namespace {
 
@@ -101,4 +101,4 @@ std::vector<std::uint8_t> InflateSmall(Bytes stream, std::size_t most)
     return all;
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

@@ -7,7 +7,7 @@
 
 #include "imaging/bits/Bytes.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 /// How the inflation of pixel data ended.
 enum class Inflated {
@@ -23,4 +23,4 @@ enum class Inflated {
 /// Inflates a small zlib stream of unknown size; empty when it is broken or holds more than `most` bytes.
 [[nodiscard]] std::vector<std::uint8_t> InflateSmall(Bytes stream, std::size_t most);
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

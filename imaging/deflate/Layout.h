@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 /// How rows lie in a stream.
 struct Layout {
@@ -10,4 +10,4 @@ struct Layout {
     std::size_t stride; ///< bytes of a row, its filter byte included
 };
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

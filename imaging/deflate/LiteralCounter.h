@@ -9,7 +9,7 @@
 #include "imaging/bits/Bytes.h"
 #include "imaging/deflate/Block.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 /// Counts residues. Counting every byte takes as long as writing it; one in four stands for all, which makes
 /// the code no worse by a thousandth. But a rare byte must not be missed, since then it would have no code,
@@ -85,4 +85,4 @@ private:
     Table exact {};
 };
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

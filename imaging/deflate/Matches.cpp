@@ -6,7 +6,7 @@
 
 #include "imaging/deflate/CommonLength.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 namespace {
 
@@ -180,4 +180,4 @@ std::size_t MatchFinder::Cut(const std::uint8_t* data, std::uint32_t origin, std
     return at;
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

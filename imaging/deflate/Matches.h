@@ -6,7 +6,7 @@
 
 #include "imaging/deflate/Block.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 /// How many earlier places are looked at for each position.
 constexpr int kThorough = 60;
@@ -45,4 +45,4 @@ private:
     std::vector<std::uint32_t> heads, threes, previous;
 };
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

@@ -11,7 +11,7 @@
 #include "imaging/bits/Processor.h"
 #include "imaging/deflate/LiteralCounter.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 namespace {
 
@@ -150,4 +150,4 @@ void FindRuns(Bytes bytes, Block& block)
     Find(bytes, block, PortableMask {});
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

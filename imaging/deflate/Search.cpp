@@ -2,7 +2,7 @@
 
 #include "imaging/deflate/Runs.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 std::size_t Search::Cut(const std::uint8_t* data, std::uint32_t origin, std::size_t from, std::size_t to,
     Likeness likeness, const Layout& layout, Block& block)
@@ -17,4 +17,4 @@ std::size_t Search::Cut(const std::uint8_t* data, std::uint32_t origin, std::siz
     return finder->Cut(data, origin, from, to, layout.step, block);
 }
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

@@ -8,7 +8,7 @@
 #include "imaging/deflate/Grain.h"
 #include "imaging/deflate/Matches.h"
 
-namespace veltrane::imaging::png {
+namespace veltrane::imaging {
 
 /// What bytes are like, and so how to look for repetitions in them.
 enum class Likeness {
@@ -35,4 +35,4 @@ private:
         finder; ///< made when it is asked: its tables cost what a small photograph does
 };
 
-} // namespace veltrane::imaging::png
+} // namespace veltrane::imaging

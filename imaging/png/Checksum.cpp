@@ -1,4 +1,4 @@
-#include "imaging/deflate/Checksum.h"
+#include "imaging/png/Checksum.h"
 
 #include <libdeflate.h>
 

@@ -5,7 +5,7 @@
 
 #include "imaging/Fault.h"
 #include "imaging/bits/ByteReader.h"
-#include "imaging/deflate/Checksum.h"
+#include "imaging/png/Checksum.h"
 
 namespace veltrane::imaging::png {
 

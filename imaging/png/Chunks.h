@@ -8,6 +8,7 @@
 
 #include "imaging/Limits.h"
 #include "imaging/bits/Bytes.h"
+#include "imaging/colour/CodePointProfile.h"
 #include "imaging/colour/Colour.h"
 
 namespace veltrane::imaging::png {
@@ -37,12 +38,6 @@ struct Header {
 
     [[nodiscard]] int Channels() const noexcept;
     [[nodiscard]] int BitsPerPixel() const noexcept { return Channels() * depth; }
-};
-
-/// The cICP chunk: numbers of ITU-T H.273. Source: PNG 3rd ed., 11.3.2.6.
-struct CodePoints {
-    int primaries = 0;
-    int transfer = 0;
 };
 
 /// What the chunks around the pixel data tell. The views point into the file and are empty where the chunk

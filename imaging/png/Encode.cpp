@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "imaging/deflate/DeflateStream.h"
+#include "imaging/png/IdatStream.h"
 #include "imaging/png/Chunks.h"
 #include "imaging/png/FilterRow.h"
 #include "imaging/png/Form.h"
@@ -77,7 +77,7 @@ private:
     const Bitmap& picture;
     StoredRows rows;
     int bandRows;
-    DeflateStream stream;
+    IdatStream stream;
     WayChooser chooser;
 };
 

@@ -1,4 +1,4 @@
-#include "imaging/deflate/DeflateStream.h"
+#include "imaging/png/IdatStream.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 
 #include <libdeflate.h>
 
-#include "imaging/deflate/Checksum.h"
+#include "imaging/png/Checksum.h"
 #include "imaging/png/Chunks.h"
 
 namespace veltrane::imaging::png {
@@ -24,7 +24,7 @@ void PutNumber(std::uint8_t* to, std::uint32_t number) noexcept
 
 } // namespace
 
-DeflateStream::DeflateStream(Sink& to, std::size_t most, const Layout& layout)
+IdatStream::IdatStream(Sink& to, std::size_t most, const Layout& layout)
     : sink(to)
     , layout(layout)
     , window(kWindow + most + 8)
@@ -37,7 +37,7 @@ DeflateStream::DeflateStream(Sink& to, std::size_t most, const Layout& layout)
     writer.Flush();
 }
 
-void DeflateStream::Write(std::size_t bytes, Likeness likeness, bool last)
+void IdatStream::Write(std::size_t bytes, Likeness likeness, bool last)
 {
     adler = libdeflate_adler32(adler, Room(), bytes);
     WriteBlocks(kept + bytes, likeness, last);
@@ -50,7 +50,7 @@ void DeflateStream::Write(std::size_t bytes, Likeness likeness, bool last)
     }
 }
 
-void DeflateStream::WriteBlocks(std::size_t end, Likeness likeness, bool last)
+void IdatStream::WriteBlocks(std::size_t end, Likeness likeness, bool last)
 {
     for (std::size_t at = kept, next = end; at < end; at = next) {
         const std::uint8_t* const data = window.data();
@@ -60,7 +60,7 @@ void DeflateStream::WriteBlocks(std::size_t end, Likeness likeness, bool last)
     }
 }
 
-void DeflateStream::Keep(std::size_t end)
+void IdatStream::Keep(std::size_t end)
 {
     const std::size_t surplus = end - std::min(end, kWindow);
     std::memmove(window.data(), window.data() + surplus, end - surplus);
@@ -69,7 +69,7 @@ void DeflateStream::Keep(std::size_t end)
 }
 
 // Writes the whole bytes there are as a chunk, if they are enough or the stream ends.
-void DeflateStream::WriteChunk(bool last)
+void IdatStream::WriteChunk(bool last)
 {
     std::uint8_t* const data = out.data() + kChunkHead;
     const auto bytes = static_cast<std::size_t>(writer.End() - data);

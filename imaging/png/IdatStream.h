@@ -12,11 +12,11 @@
 namespace veltrane::imaging::png {
 
 /// Writes one zlib stream as IDAT chunks. Memory: the window, a band and its compressed form.
-class DeflateStream {
+class IdatStream {
 public:
     /// `most`: bytes in the largest band. `step`: bytes of a pixel, 1 where it takes less. `to` must outlive
     /// this.
-    DeflateStream(Sink& to, std::size_t most, const Layout& layout);
+    IdatStream(Sink& to, std::size_t most, const Layout& layout);
 
     /// The room for the next band: `most` bytes, good until Write.
     [[nodiscard]] std::uint8_t* Room() noexcept { return window.data() + kept; }

@@ -6,7 +6,7 @@
 
 #include "imaging/pixels/Bitmap.h"
 #include "imaging/png/Form.h"
-#include "imaging/png/Layout.h"
+#include "imaging/deflate/Layout.h"
 
 namespace veltrane::imaging::png {
 

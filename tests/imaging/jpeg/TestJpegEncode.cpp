@@ -202,7 +202,7 @@ TEST(JpegEncode, ProfilesAreSmallAndSrgbInEffect)
 {
     using imaging::ColourTransform;
     using imaging::Samples;
-    const Bytes colour = imaging::jpeg::SrgbProfile(), grey = imaging::jpeg::SrgbGreyProfile();
+    const Bytes colour = imaging::SrgbProfile(), grey = imaging::SrgbGreyProfile();
     EXPECT_LE(colour.size(), 500u);
     EXPECT_LE(grey.size(), 500u);
     EXPECT_EQ(ColourTransform::FromProfile(colour, Samples::Rgba8), nullptr);

@@ -14,6 +14,7 @@
 #include "tests/support/Naming.h"
 
 using namespace veltrane;
+using namespace veltrane::imaging;
 using namespace veltrane::imaging::png;
 
 namespace {
