@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 #include <type_traits>
 #include <vector>
