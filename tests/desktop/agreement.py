@@ -55,6 +55,8 @@ def facts(root, version):
 
     yield "the newest release in the metainfo", metainfo.find("releases/release").get("version"), version
     yield "the newest version in CHANGELOG.md", re.search(r"^## ([\d.]+)", changes, re.M)[1], version
+    package = (root / "debian/changelog").read_text()
+    yield "the newest version of the package", re.match(r"veltrane \(([\d.]+)\)", package)[1], version
     yield "the entry's types", types, declared(root)
     yield "the metainfo's types", {e.text for e in metainfo.iterfind("provides/mediatype")} | ALSO[
         "image/pict"

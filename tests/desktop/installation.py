@@ -4,7 +4,6 @@
     installation.py BUILD
 """
 
-import gzip
 import os
 import re
 import subprocess
@@ -21,13 +20,10 @@ FILES = [
     "bin/Veltrane",
     f"share/applications/{NAME}.desktop",
     f"share/dbus-1/services/{NAME}.service",
-    "share/doc/veltrane/NEWS.md",
-    "share/doc/veltrane/changelog.gz",
-    "share/doc/veltrane/copyright",
     *ICONS,
     f"share/icons/hicolor/scalable/apps/{NAME}.svg",
     f"share/icons/hicolor/symbolic/apps/{NAME}-symbolic.svg",
-    "share/man/man1/Veltrane.1.gz",
+    "share/man/man1/Veltrane.1",
     f"share/metainfo/{NAME}.metainfo.xml",
     f"share/mime/packages/{NAME}.xml",
 ]
@@ -43,7 +39,7 @@ def faults(prefix, final):
         yield f"the bus starts another program:\n{service}"
     if not os.access(program, os.X_OK):
         yield "the program cannot be started"
-    page = gzip.decompress((prefix / "share/man/man1/Veltrane.1.gz").read_bytes()).decode()
+    page = (prefix / "share/man/man1/Veltrane.1").read_text()
     if not re.search(r'^\.TH VELTRANE 1 "" "Veltrane [\d.]+"', page) or "@" in page.replace(
         "@veltrane.invalid", ""
     ):
