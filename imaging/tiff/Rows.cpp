@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 
 #include <tiffio.h>
 
@@ -106,7 +105,8 @@ public:
     {
         // Zeros: what a decoder leaves out without a word must not be what lay in memory before.
         if (!plain)
-            buffer.emplace((byRows ? grid.rowBytes : grid.Bytes() * planes.size()) + TiffLzw::kSlack);
+            buffer = std::make_unique<ZeroBlock>(
+                (byRows ? grid.rowBytes : grid.Bytes() * planes.size()) + TiffLzw::kSlack);
     }
 
     void Run()
@@ -224,7 +224,7 @@ private:
     bool plain;
     bool byRows;
     std::unique_ptr<TiffLzw> lzw; // none when the library unpacks
-    std::optional<ZeroBlock> buffer;
+    std::unique_ptr<ZeroBlock> buffer; // none when samples are used where they lie in the file
 };
 
 // The library must see rows as we do before it is given a buffer for them.
