@@ -56,11 +56,9 @@ def main(build):
         print(f"not built: {build}")
         return NOT_BUILT
     with tempfile.TemporaryDirectory(prefix="veltrane-install-") as folder:
-        # The service file names the folder that the build was set up for.
-        cache = (build / "CMakeCache.txt").read_text()
-        prefix = re.search(r"^CMAKE_INSTALL_PREFIX:PATH=(.*)$", cache, re.M)[1]
+        prefix = "/opt/another"  # than the build was set up for
         subprocess.run(
-            ["cmake", "--install", build],
+            ["cmake", "--install", build, "--prefix", prefix],
             check=True,
             stdout=subprocess.DEVNULL,
             env=dict(os.environ, DESTDIR=folder),
