@@ -40,6 +40,9 @@ std::vector<Ref<FolderItem>> Documents(std::span<char*> arguments)
 int main(int count, char** arguments)
 {
     PrepareProcess();
+#ifndef VELTRANE_UNCONFINED
+    (void)EnterDomain(); // no Landlock in this kernel: the filter below does what it can
+#endif
     PrepareAllocator();
     const std::vector<Ref<FolderItem>> documents
         = Documents(std::span(arguments, static_cast<std::size_t>(count)).subspan(1));

@@ -2,6 +2,11 @@
 
 namespace veltrane {
 
+bool EnterDomain() noexcept
+{
+    return false;
+}
+
 bool Confine() noexcept
 {
     return false;
