@@ -1,13 +1,22 @@
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
 
+#include <asm/sockios.h>
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/ioprio.h>
+#include <linux/seccomp.h>
 #include <sched.h>
 #include <seccomp.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include "platform/process/Confinement.h"
@@ -26,9 +35,14 @@ constexpr std::array kNeverNeeded {
     SCMP_SYS(process_vm_readv),
     SCMP_SYS(process_vm_writev),
     SCMP_SYS(process_madvise),
+    SCMP_SYS(process_mrelease),
+    SCMP_SYS(pidfd_open),
     SCMP_SYS(pidfd_getfd),
     SCMP_SYS(pidfd_send_signal),
     SCMP_SYS(kcmp),
+    SCMP_SYS(get_robust_list),
+    SCMP_SYS(migrate_pages),
+    SCMP_SYS(move_pages),
     // Another view of the system.
     SCMP_SYS(mount),
     SCMP_SYS(umount2),
@@ -80,6 +94,10 @@ constexpr std::array kNeverNeeded {
     SCMP_SYS(setdomainname),
     SCMP_SYS(settimeofday),
     SCMP_SYS(clock_settime),
+    SCMP_SYS(clock_settime64),
+    SCMP_SYS(clock_adjtime),
+    SCMP_SYS(clock_adjtime64),
+    SCMP_SYS(adjtimex),
 };
 
 /// The filter in the making. The first failure is kept and ends it.
@@ -133,6 +151,30 @@ void DenySignals(Filter& filter) noexcept
     filter.Deny(SCMP_SYS(tkill)); // names a thread and no process
 }
 
+// A descriptor sends a signal of choice to its owner, which may be any process of the user.
+void DenyOwners(Filter& filter) noexcept
+{
+    for (const int call : { SCMP_SYS(fcntl), SCMP_SYS(fcntl64) }) {
+        for (const int command : { F_SETOWN, F_SETOWN_EX, F_SETSIG })
+            filter.Deny(call, { LowIs(1, static_cast<std::uint32_t>(command)) });
+    }
+    filter.Deny(SCMP_SYS(ioctl), { LowIs(1, FIOSETOWN) });
+    filter.Deny(SCMP_SYS(ioctl), { LowIs(1, SIOCSPGRP) });
+}
+
+// Limits, processors and priorities change for the caller only, whose number is 0. A filter cannot know the
+// numbers of the threads, so these are refused too; EPERM makes the toolkit start them without a priority.
+void DenyControl(Filter& filter) noexcept
+{
+    for (const int call : { SCMP_SYS(prlimit64), SCMP_SYS(sched_setaffinity), SCMP_SYS(sched_setattr),
+             SCMP_SYS(sched_setparam), SCMP_SYS(sched_setscheduler) })
+        filter.Deny(call, { { 0, SCMP_CMP_NE, 0, 0 } }, EPERM);
+    filter.Deny(SCMP_SYS(setpriority), { { 0, SCMP_CMP_NE, PRIO_PROCESS, 0 } }, EPERM);
+    filter.Deny(SCMP_SYS(ioprio_set), { { 0, SCMP_CMP_NE, IOPRIO_WHO_PROCESS, 0 } }, EPERM);
+    for (const int call : { SCMP_SYS(setpriority), SCMP_SYS(ioprio_set) })
+        filter.Deny(call, { { 1, SCMP_CMP_NE, 0, 0 } }, EPERM);
+}
+
 void DenySockets(Filter& filter) noexcept
 {
     for (const int call : { SCMP_SYS(socket), SCMP_SYS(socketpair) }) {
@@ -148,6 +190,26 @@ void DenyTyping(Filter& filter) noexcept
     filter.Deny(SCMP_SYS(ioctl), { LowIs(1, TIOCLINUX) });
 }
 
+// Every processor numbers new calls alike. The list above was made from those of Linux 6.1, this one the
+// last.
+constexpr std::uint32_t kLastCall = SYS_set_mempolicy_home_node;
+
+// Refuses calls that are newer than the list, as a kernel does that does not have them. libseccomp cannot
+// compare numbers, so this is a filter of its own. Where both filters refuse, the one installed later
+// decides.
+bool RefuseNewCalls() noexcept
+{
+    std::array<sock_filter, 4> program { {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JGT | BPF_K, kLastCall, 1, 0),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+    } };
+    const sock_fprog filter { static_cast<unsigned short>(program.size()), program.data() };
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0
+        && syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_TSYNC, &filter) == 0;
+}
+
 } // namespace
 
 bool Confine() noexcept
@@ -159,9 +221,11 @@ bool Confine() noexcept
         filter.Deny(call);
     DenyProcesses(filter);
     DenySignals(filter);
+    DenyOwners(filter);
+    DenyControl(filter);
     DenySockets(filter);
     DenyTyping(filter);
-    return filter.Load();
+    return RefuseNewCalls() && filter.Load();
 }
 
 } // namespace veltrane
