@@ -4,10 +4,10 @@
 #include <array>
 #include <vector>
 
-#include "imaging/png/IdatStream.h"
 #include "imaging/png/Chunks.h"
 #include "imaging/png/FilterRow.h"
 #include "imaging/png/Form.h"
+#include "imaging/png/IdatStream.h"
 #include "imaging/png/Pixel.h"
 #include "imaging/png/StoredRows.h"
 #include "imaging/png/WayChooser.h"

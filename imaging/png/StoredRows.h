@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "imaging/deflate/Layout.h"
 #include "imaging/pixels/Bitmap.h"
 #include "imaging/png/Form.h"
-#include "imaging/deflate/Layout.h"
 
 namespace veltrane::imaging::png {
 
