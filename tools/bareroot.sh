@@ -20,8 +20,8 @@ bare_namespace() {
         || VELTRANE_NAMESPACE=yes exec unshare --mount --propagation private "$0" "$@"
 }
 
-# Has the kernel start another processor's programs through qemu. The registration stays until the next start of the
-# machine, as that of an installed qemu-user-static does.
+# Has the kernel start another processor's programs through qemu. Recent kernels forget it when the script's own mounts
+# end.
 bare_emulate() {
     local arch=$1 kind rules=/proc/sys/fs/binfmt_misc
     [ "$arch" != "$(dpkg --print-architecture)" ] || return 0
