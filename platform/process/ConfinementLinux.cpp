@@ -215,6 +215,7 @@ bool RefuseNewCalls() noexcept
 bool Confine() noexcept
 {
     Filter filter;
+    filter.Set(SCMP_FLTATR_CTL_OPTIMIZE, 2); // a tree of call numbers: quicker to make than a list
     filter.Set(SCMP_FLTATR_CTL_TSYNC, 1); // the threads that the toolkit has started by now, too
     filter.Set(SCMP_FLTATR_ACT_BADARCH, SCMP_ACT_ERRNO(EACCES)); // the same calls by their 32-bit numbers
     for (const int call : kNeverNeeded)

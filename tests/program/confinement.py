@@ -13,6 +13,9 @@ from gi.repository import Gio, GLib
 from table import Skipped, both_ticked, check, equal, names, until
 
 
+LANDLOCK = "landlock_create_ruleset,landlock_restrict_self"
+
+
 def every_thread(place):
     if "Seccomp:" not in Path("/proc/self/status").read_text():
         raise Skipped("a kernel without filters")
@@ -40,7 +43,7 @@ def convert(place, program):
 def traced(place):
     """All calls of a full run that have to do with processes or sockets."""
     log = place.settings / "calls"
-    trace = ["strace", "-D", "-f", "-q", "-e", "trace=network,process", "-o", str(log)]
+    trace = ["strace", "-D", "-f", "-q", "-e", f"trace=network,process,{LANDLOCK}", "-o", str(log)]
     tried = subprocess.run([*trace[:-2], "-o", "/dev/null", "true"], capture_output=True, check=False)
     if tried.returncode != 0:
         raise Skipped("no tracing here")
@@ -64,6 +67,16 @@ def nothing_started(place):
     equal(families, {"AF_UNIX"}, "families of sockets asked for")
     for socket in sorted(set(re.findall(r" connect\(\d+, (\{.*?\})", calls))):
         print("       ", socket)
+
+
+def domain_first(place):
+    calls = traced(place)
+    version = re.search(r"landlock_create_ruleset\(NULL, .*\) += (-?\d+)", calls)
+    if int(version[1]) < 1:
+        raise Skipped("a kernel without Landlock")
+    equal(bool(re.search(r"landlock_restrict_self\(.*\) += 0$", calls, re.M)), True, "the domain is entered")
+    order = re.findall(r"^\d+ +(landlock_restrict_self|clone)3?\(", calls, re.M)
+    equal(order[:2], ["landlock_restrict_self", "clone"], "the domain, then the threads")
 
 
 def call(bus, member, wanted, *arguments):
@@ -100,6 +113,7 @@ check(
     [
         ("every thread has given up what it does not need", every_thread),
         ("a full run starts nothing and opens local sockets only", nothing_started),
+        ("every thread is started inside the domain", domain_first),
         ("accessibility that is started later is answered", late_accessibility),
     ]
 )
