@@ -217,6 +217,20 @@ def copy_is_a_link(make_link):
     return row
 
 
+def copy_is_a_second_name(place):
+    """The copy's path is another name of the source's file: both names keep it, and a message says so."""
+    source, copy = place.pictures / "photo.gif", place.pictures / "photo.png"
+    pictures.make(source, pictures.BLUE)
+    copy.hardlink_to(source)
+    with place.start("photo.gif") as program:
+        message = program.answer()
+        equal("« photo.png » est un autre nom" in message and "« photo.gif »" in message, True, f"the names ({message})")
+        program.idle(1)
+        equal(program.close(), 0, "exit status")
+    equal(copy.samefile(source), True, "one file under two names")
+    equal(names(place.pictures), [b"photo.gif", b"photo.png"], "the folder")
+
+
 def unreadable_settings(place):
     both_ticked(place)
     (place.settings / "Veltrane.pref").chmod(0)
@@ -269,7 +283,7 @@ check(
         ),
         (
             "the copy's path is another name of the source",
-            copy_is_a_link(lambda copy, source: copy.hardlink_to(source)),
+            copy_is_a_second_name,
         ),
         (
             "a link to nowhere at the copy's path",
